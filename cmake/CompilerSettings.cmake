@@ -1,0 +1,19 @@
+# One interface target carries the warnings that every target of the project is built with.
+add_library(nadrel_settings INTERFACE)
+target_include_directories(nadrel_settings INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(nadrel_settings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+
+if(NADREL_SANITIZE)
+    add_compile_options(-fsanitize=${NADREL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${NADREL_SANITIZE})
+endif()
+
+# nadrel_room(<target>): one room of the library, compiled once for the shared library and for the tests.
+function(nadrel_room target)
+    target_link_libraries(${target} PUBLIC nadrel_settings)
+    set_target_properties(${target} PROPERTIES
+        POSITION_INDEPENDENT_CODE ON
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
+    )
+endfunction()

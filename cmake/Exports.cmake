@@ -1,0 +1,15 @@
+# nadrel_export_only(<target> <list>...): the target's shared file exports the names in the lists, one a line, and
+# nothing else.
+function(nadrel_export_only target)
+    set(names "")
+    foreach(list IN LISTS ARGN)
+        set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
+        file(STRINGS ${list} entries REGEX "^[A-Za-z_]")
+        list(APPEND names ${entries})
+    endforeach()
+    list(JOIN names ";\n        " lines)
+    set(script ${CMAKE_CURRENT_BINARY_DIR}/${target}.map)
+    file(CONFIGURE OUTPUT ${script} CONTENT "{\n    global:\n        @lines@;\n    local:\n        *;\n};\n" @ONLY)
+    target_link_options(${target} PRIVATE LINKER:--version-script=${script})
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${script})
+endfunction()
