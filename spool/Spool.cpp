@@ -1,0 +1,103 @@
+#include "spool/Spool.h"
+
+#include "platform/Memory.h"
+#include "platform/TextConversion.h"
+
+#include <algorithm>
+#include <string>
+
+namespace nadrel {
+namespace {
+
+// The longest length that the four digits of a framed command carry.
+constexpr int32_t SpoolTextLimit = 9999;
+
+// GS '!' takes a size byte for each of the four fonts and none for any other number, which leaves the command
+// incomplete: the next bytes follow directly.
+Bytes SizeCommand(int32_t font) {
+    static constexpr uint8_t commands[4][3] = {
+        {0x1D, '!', 0x00}, {0x1D, '!', 0x10}, {0x1D, '!', 0x01}, {0x1D, '!', 0x11}};
+    if (font < 0 || font > 3)
+        return Bytes(commands[0], 2);
+    return commands[font];
+}
+
+int32_t AppendTextRun(Bytes text, int32_t font, int32_t bold) {
+    if (!AppendPieces({SizeCommand(font), Command(0x1B, 'E', bold != 0)}))
+        return ERR_SPOOL_LIMIT;
+    if (static_cast<int64_t>(text.size()) + SpoolLength > SpoolTextLimit) {
+        // Six, also where the font gave only five bytes: hosts rely on the spool length that this leaves. What was
+        // written stays behind it and enters the check value of a frame.
+        SpoolLength -= 6;
+        return ERR_SPOOL_LIMIT;
+    }
+    return AppendPieces({text}) ? SpoolLength : static_cast<int32_t>(ERR_SPOOL_LIMIT);
+}
+
+} // namespace
+
+int32_t AppendThroughLink(std::initializer_list<Bytes> pieces) {
+    if (!LinkIsOpen())
+        return ERR_NOT_CONNECTED;
+    return AppendPieces(pieces, kSpoolCapacity) ? SpoolLength : static_cast<int32_t>(ERR_SPOOL_LIMIT);
+}
+
+int32_t AppendAndStoreResult(std::initializer_list<Bytes> pieces) {
+    const int32_t result = AppendThroughLink(pieces);
+    if (result != ERR_SPOOL_LIMIT)
+        SpoolLength = result;
+    return result;
+}
+
+Bytes Convert(const char16_t *text) {
+    if (ConversionBuffer == nullptr)
+        return {};
+    ConversionBuffer->Clear();
+    if (text == nullptr)
+        return {};
+    const size_t length = std::char_traits<char16_t>::length(text);
+    const size_t capacity = std::min<size_t>(length, kSpoolCapacity / 2) * 2;
+    // The conversion writes what it returns and no more; telling the buffer of that alone keeps clearing cheap.
+    const size_t written = platform::ToAnsi(text, length, ConversionBuffer->Write(0, 0), capacity);
+    ConversionBuffer->Write(0, static_cast<int32_t>(written));
+    return Bytes(ConversionBuffer->At(0), written);
+}
+
+} // namespace nadrel
+
+using namespace nadrel;
+
+int32_t ControlCommand(const uint8_t *bytes, int32_t count) {
+    if (!LinkIsOpen())
+        return ERR_NOT_CONNECTED;
+    if (bytes == nullptr || count < 0)
+        return 0;
+    if (static_cast<int64_t>(SpoolLength) + count > kSpoolCapacity)
+        return ERR_SPOOL_LIMIT;
+    const Bytes command(bytes, static_cast<size_t>(count));
+    if (!platform::MemoryIsReadable(command.data(), command.size()))
+        return 0;
+    return AppendThroughLink({command});
+}
+
+int32_t SaveSpool(const NadrelChar *text, int32_t font, int32_t bold) {
+    if (!LinkIsOpen())
+        return ERR_NOT_CONNECTED;
+    if (text == nullptr)
+        return 0;
+    return AppendTextRun(Convert(text), font, bold);
+}
+
+const char *U2A(const NadrelChar *text) {
+    Convert(text);
+    return ConversionBuffer == nullptr ? nullptr : reinterpret_cast<const char *>(ConversionBuffer->At(0));
+}
+
+void ClearSpool() {
+    SpoolLength = 0;
+    SpoolBuffer.Clear();
+}
+
+NadrelHandle GetPortHandle() {
+    return SerialPortHandle;
+}
