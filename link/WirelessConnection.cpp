@@ -1,0 +1,122 @@
+#include "api/NadrelPrinter.h"
+
+#include "link/Connection.h"
+#include "link/MySocket.h"
+#include "platform/Clock.h"
+#include "spool/State.h"
+
+#include <new>
+#include <string>
+
+using namespace nadrel;
+
+namespace {
+
+// The two functions tell the same situations with different codes; hosts know them apart.
+enum InitWlanResult : int32_t { kWlanFailed = -1, kWlanTimedOut = -2, kWlanAlreadyConnected = -3 };
+enum ConnectWirelessResult : int32_t {
+    kWirelessAlreadyConnected = -1,
+    kWirelessFailed = -2,
+    kWirelessNotWritable = -3,
+    kWirelessTimedOut = -7
+};
+
+constexpr int32_t kPollMicroseconds = 200;
+constexpr int32_t kAgain = 0; // an attempt that leads to another
+
+// What goes wrong in here shows later, as a socket that cannot be waited for or is never writable.
+void CreateSocket() {
+    WirelessSocket = new MySocket;
+    platform::StartSocketSupport();
+    WirelessSocket->Create(0, platform::kStreamSocket, platform::kAllSocketEvents, nullptr);
+}
+
+int32_t Select(int32_t seconds, int32_t microseconds, bool &writable) {
+    const platform::SocketHandle handle = WirelessSocket->Handle();
+    writable = false;
+    return platform::SelectWritable(handle + 1, handle, seconds, microseconds, writable);
+}
+
+int32_t CloseAndReturn(int32_t result) {
+    ClosePrinter();
+    return result;
+}
+
+int32_t LinkUp() {
+    if (!CreateConversionBuffer())
+        return CloseAndReturn(0);
+    LinkSocket = WirelessSocket->Handle();
+    WirelessLinkOpen = 1;
+    StartReceiveSide();
+    return ProbePrinter();
+}
+
+int32_t InitWlan(const char16_t *address, uint32_t port, int32_t timeout, int32_t framed) {
+    if (LinkIsOpen())
+        return kWlanAlreadyConnected;
+    FramedMode = framed;
+    ResetCounters();
+    CreateSocket();
+    if (WirelessSocket->IOCtl(platform::SocketCommand::nonBlocking, 1) == -1)
+        return CloseAndReturn(kWlanFailed);
+    WirelessSocket->Connect(address, port);
+    bool writable = false;
+    if (Select(timeout / 1000, 0, writable) == -1)
+        return CloseAndReturn(kWlanFailed);
+    if (!writable)
+        return CloseAndReturn(kWlanTimedOut);
+    if (WirelessSocket->IOCtl(platform::SocketCommand::nonBlocking, 0) == -1)
+        return CloseAndReturn(kWlanFailed);
+    return LinkUp();
+}
+
+// 1 when the connection stands, else what is returned when this was the last attempt. A connect that completes at
+// once does not count: only the writability test says that a connection stands, on the next attempt.
+int32_t Attempt(const char16_t *address, uint32_t port) {
+    if (WirelessSocket->Connect(address, port) != 0)
+        return kWirelessNotWritable;
+    bool writable = false;
+    const int32_t ready = Select(0, kPollMicroseconds, writable);
+    if (ready == 0)
+        return kWirelessTimedOut;
+    if (ready < 0)
+        return kWirelessFailed;
+    return writable ? static_cast<int32_t>(NADREL_SUCCESS) : static_cast<int32_t>(kWirelessNotWritable);
+}
+
+int32_t AttemptWithin(platform::TimedEvent &pause, const char16_t *address, uint32_t port, int32_t attempts) {
+    int32_t result = kAgain;
+    for (int32_t attempt = 0; attempt < attempts && result != NADREL_SUCCESS; ++attempt) {
+        pause.Wait(kAttemptPauseMs);
+        result = Attempt(address, port);
+    }
+    return result;
+}
+
+int32_t ConnectWireless(const char16_t *address, uint32_t port, int32_t timeout, int32_t framed) {
+    platform::TimedEvent pause;
+    if (LinkIsOpen())
+        return kWirelessAlreadyConnected;
+    ResetLinkState();
+    ResetCounters();
+    FramedMode = framed;
+    CreateSocket();
+    if (WirelessSocket->IOCtl(platform::SocketCommand::nonBlocking, 1) == 0)
+        return FailConnect(kWirelessFailed);
+    const int32_t result = AttemptWithin(pause, address, port, AttemptsWithin(timeout));
+    if (result != NADREL_SUCCESS)
+        return FailConnect(result);
+    if (WirelessSocket->IOCtl(platform::SocketCommand::nonBlocking, 0) == -1)
+        return CloseAndReturn(kWirelessFailed);
+    return LinkUp();
+}
+
+} // namespace
+
+int32_t InitWlanPrinter(const NadrelChar *address, uint32_t port, int32_t timeout, int32_t framed) {
+    return Guarded([=] { return InitWlan(address, port, timeout, framed); });
+}
+
+int32_t ConnectWirelessPrinter(const NadrelChar *address, uint32_t port, int32_t timeout, int32_t framed) {
+    return Guarded([=] { return ConnectWireless(address, port, timeout, framed); });
+}
