@@ -1,0 +1,20 @@
+#pragma once
+
+#include "tools/Catalogue.h"
+#include "tools/JobLine.h"
+
+#include <vector>
+
+// Holds a line's call against the functions there are.
+namespace tool {
+
+struct CheckedCall {
+    Entry entry;
+    std::vector<Value> arguments;
+};
+
+// Throws a LineFault for a name that cannot be called and for a wrong number of arguments. An argument that
+// does not suit its parameter is added to `faults`, and the call is then not to be made.
+CheckedCall CheckCall(const JobLine &line, const Catalogue &catalogue, std::vector<LineFault> &faults);
+
+} // namespace tool

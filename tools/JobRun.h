@@ -1,0 +1,19 @@
+#pragma once
+
+#include "tools/Job.h"
+
+#include <stdexcept>
+
+namespace tool {
+
+// A call of a job that the library answered with a failure: file, line, result and meaning.
+class CallFailure : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+// Makes the calls of a job in their order, on the link that is open. Throws a CallFailure at the first that
+// fails; the calls behind it are not made.
+void RunJob(const Job &job);
+
+} // namespace tool
