@@ -1,8 +1,8 @@
 /*
  * The NADREL printer library: print on portable thermal receipt printers.
  *
- * A host composes a job in the library's spool, sends it over a serial port or a TCP connection, and hears what the
- * printer says by notification.
+ * A host composes a job in the library's spool, sends it over a serial port or a TCP connection, and hears
+ * what the printer says by notification.
  *
  *     ConnectSerialPrinterEx("/dev/ttyUSB0", 115200, 8, 0, 0, 2000, 0);
  *     SetTextAlignment(1);
@@ -14,27 +14,29 @@
  *
  * CONVENTIONS
  *
- * Strings. Text and names are zero-terminated UTF-16. The library converts text to the ANSI code page (1252 unless
- * the system or SetAnsiCodePage says otherwise); what the page lacks becomes '?'. Strings belong to the host and are
- * not kept after the call. A null text is an empty text; a null name is a name that cannot be opened.
+ * Strings. Text and names are zero-terminated UTF-16. The library converts text to the ANSI code page (1252
+ * unless the system or SetAnsiCodePage says otherwise); what the page lacks becomes '?'. Strings belong to
+ * the host and are not kept after the call. A null text or font name is an empty one; a null port or address
+ * is one that cannot be opened.
  *
- * Units. Positions, areas, sizes and feeds are printer dots, line feeds are lines, times are milliseconds, lengths
- * are bytes. Nothing is converted. 16-bit fields go out low byte first: nL = n mod 256, nH = n / 256, both of the
- * signed value, each cut to a byte (-1 goes out as FF 00).
+ * Units. Positions, areas, sizes and feeds are printer dots, line feeds are lines, times are milliseconds,
+ * lengths are bytes. Nothing is converted. 16-bit fields go out low byte first: nL = n mod 256, nH = n / 256,
+ * both of the signed value, each cut to a byte (-1 goes out as FF 00).
  *
  * Bytes. Each function says what it appends or sends, in hexadecimal.
  *
- * The spool. 409600 bytes that commands are appended to and PrintSpool sends. One signed number, the spool length,
- * says where the next command goes. Three kinds of functions append:
- *   - Direct ones (most): append whether or not a link is open, and append nothing when the spool length is above
- *     409600. No result. A command that begins at 409600 or below is still written and ends past it.
+ * The spool. 409600 bytes that commands are appended to and PrintSpool sends. One signed number, the spool
+ * length, says where the next command goes. Three kinds of functions append:
+ *   - Direct ones (most): append whether or not a link is open, and append nothing when the spool length is
+ *     above 409600. No result. A command that begins at 409600 or below is still written and may end past it.
  *   - Through the link: append only while a link is open; result: the new spool length, ERR_NOT_CONNECTED, or
- *     ERR_SPOOL_LIMIT when the command would end past 409600. Those marked "stores its result" also set the spool
- *     length to ERR_NOT_CONNECTED when no link is open; the next connect or ClearSpool puts it back to 0.
+ *     ERR_SPOOL_LIMIT when the command would end past 409600. Those marked "stores its result" also set the
+ *     spool length to ERR_NOT_CONNECTED when no link is open; the next connect (but for InitWlanPrinter) or
+ *     ClearSpool puts it back to 0.
  *   - SaveSpool: needs a link and keeps the spool at or below 9999 bytes.
- * The library never writes outside its storage: it keeps 4096 bytes before and behind the 409600, and a command that
- * would leave even those is refused whole: nothing is written, the spool length stays, the result is
- * ERR_SPOOL_LIMIT where there is one.
+ * The library never writes outside its storage: it keeps 4096 bytes before and behind the 409600, and a
+ * command that would leave even those is refused whole: nothing is written, the spool length stays, the
+ * result is ERR_SPOOL_LIMIT where there is one.
  *
  * Arguments out of range are never reported: the function says whether the command is then left out ("else
  * nothing") or which byte is sent instead.
@@ -45,12 +47,13 @@
  * Ownership. What the library returns a pointer to is the library's own. The buffers of notifications are
  * overwritten by the next reply of the same kind: copy what you need when you are told.
  *
- * Threads. Call the library from one thread at a time, or from a notification handler while no other thread calls;
- * only ClosePrinter may come from a handler at any time. Two threads of the library's own run while a link is open:
- * they take what the printer sends and classify it. They never touch the spool.
+ * Threads. Call the library from one thread at a time; a notification handler may call while no other thread
+ * does. Only ClosePrinter may come from a handler at any time: a sending call that waits on the other thread
+ * then ends, and what that thread is composing is lost. Two threads of the library's own run while a link is
+ * open: they take what the printer sends and classify it. They never touch the spool.
  *
- * Loading and unloading. Nothing happens at load but the start of socket support. An open link is not closed at
- * unload: call ClosePrinter.
+ * Loading and unloading. Nothing happens at load but the start of socket support. An open link is not closed
+ * at unload: call ClosePrinter.
  */
 #ifndef NADREL_PRINTER_H
 #define NADREL_PRINTER_H
@@ -84,8 +87,8 @@ typedef intptr_t NadrelHandle;
 /*
  * RESULTS
  *
- * InitPrinter, ConnectSerialPrinter and ConnectSerialPrinterEx use these for -1 to -5; the wireless connects, the
- * status queries and the payment functions have meanings of their own, told there.
+ * InitPrinter, ConnectSerialPrinter and ConnectSerialPrinterEx use these for -1 to -5; the wireless connects,
+ * the status queries and the payment functions have meanings of their own, told there.
  */
 enum {
     NADREL_SUCCESS = 1,
@@ -108,26 +111,29 @@ extern "C" {
  */
 
 /*
- * Appends raw bytes through the link. Result: the new spool length; ERR_NOT_CONNECTED; ERR_SPOOL_LIMIT when they
- * would end past 409600; 0 for a null pointer, a negative count, or bytes that the process may not read. Nothing is
- * appended unless all are.
+ * Appends raw bytes through the link. Result: the new spool length; ERR_NOT_CONNECTED; ERR_SPOOL_LIMIT when
+ * they would end past 409600; 0 for a null pointer, a negative count, or bytes that the process may not read.
+ * Nothing is appended unless all are.
  */
 NADREL_API int32_t NADREL_CALL ControlCommand(const uint8_t *bytes, int32_t count);
 
 /*
  * Appends a run of text with its font and emphasis: 1D 21 s 1B 45 b, then the text; no line feed.
- * font: 0, 1, 2, 3 send s = 00, 10, 01, 11; any other font sends no s at all. bold: non-zero sends b = 01, else 00.
- * Result: the new spool length; ERR_NOT_CONNECTED; 0 for a null text; ERR_SPOOL_LIMIT when the text would take the
- * spool past 9999 bytes. Then the spool length is set back by six, also where the font was none of the four and only
- * five bytes went in, so that it ends one lower than before the call. The bytes set back over stay behind the spool
- * length and count in the next frame's check value.
+ * font: 0, 1, 2, 3 send s = 00, 10, 01, 11; any other font sends no s at all. bold: non-zero sends b = 01,
+ * else 00.
+ * Result: the new spool length; ERR_NOT_CONNECTED; 0 for a null text; ERR_SPOOL_LIMIT, with the spool length
+ * as it was, when the text would take the spool past 9999 bytes or the storage has no room. Past 9999 bytes
+ * the spool length is in fact set back by six: where the font was none of the four, only five bytes went in,
+ * and it ends one lower than before the call. The bytes set back over stay behind the spool length and count
+ * in the next frame's check value.
  */
 NADREL_API int32_t NADREL_CALL SaveSpool(const NadrelChar *text, int32_t font, int32_t bold);
 
 /*
- * Converts text to the ANSI code page, into a buffer of the library's own that stands until the next function that
- * takes text, or ClosePrinter. At most 2 bytes for each UTF-16 unit and 409600 in all: what does not fit is left
- * out, never half a character. NULL while no link is open.
+ * Converts text to the ANSI code page, into a buffer of the library's own that stands until the next function
+ * that takes text, or ClosePrinter. At most 2 bytes for each UTF-16 unit and 409600 in all: what does not fit
+ * is left out, never half a character: with code page 65001 most texts outside Latin, Greek and Cyrillic.
+ * Every function that takes text converts it so. NULL while no link is open.
  */
 NADREL_API const char *NADREL_CALL U2A(const NadrelChar *text);
 
@@ -155,7 +161,7 @@ NADREL_API void NADREL_CALL PrintDotFeed(int32_t n);
 /* 1B 64 n: prints and feeds n lines. 0 <= n <= 255, else nothing. */
 NADREL_API void NADREL_CALL PrintLineFeed(int32_t n);
 
-/* 1B 40: puts the printer back to its defaults, and the library to standard mode. */
+/* 1B 40: puts the printer back to its defaults and, where it was appended, the library to standard mode. */
 NADREL_API void NADREL_CALL InitPrinterStatus(void);
 
 /* 1B 33 n: line spacing in dots. 0 <= n <= 255, else nothing. */
@@ -195,8 +201,9 @@ NADREL_API void NADREL_CALL SetAbsPosition(int32_t pos);
 NADREL_API void NADREL_CALL SetTextAlignment(int32_t n);
 
 /*
- * Appends converted text as it is. Only the low 8 bits of its length count: 256 bytes append nothing, 300 append
- * their first 44. Nothing is appended while no link is open, because there is no conversion then.
+ * Appends converted text as it is. Only the low 8 bits of its length count: 256 bytes append nothing, 300
+ * append their first 44, which may end within a two-byte character. Nothing is appended while no link is
+ * open, because there is no conversion then.
  */
 NADREL_API void NADREL_CALL TextSaveSpool(const NadrelChar *text);
 
@@ -215,10 +222,11 @@ NADREL_API void NADREL_CALL SetMarkUseMode(uint32_t on);
 /*
  * PAGE MODE
  *
- * In page mode the printer composes a page within an area and prints it on command. The library keeps a flag of what
- * it has appended: set by SetPageMode and InitPageMode; cleared by Page_SetStandardMode, Page_Print_StandardMode,
- * InitPrinterStatus, and a connect or close; sending and clearing the spool leave it. "Page only" functions append
- * nothing while it is clear. All are direct. Coordinates are dots in 16-bit fields, not checked.
+ * In page mode the printer composes a page within an area and prints it on command. The library keeps a flag
+ * of what it has appended: set by SetPageMode and InitPageMode; cleared by Page_SetStandardMode,
+ * Page_Print_StandardMode, InitPrinterStatus, a connect (but for InitWlanPrinter) and a close; sending and
+ * clearing the spool leave it. "Page only" functions append nothing while it is clear. All are direct.
+ * Coordinates are dots in 16-bit fields, not checked.
  */
 
 /* 1B 4C: enters page mode. */
@@ -255,10 +263,11 @@ NADREL_API void NADREL_CALL Page_DotFeed(int32_t n);
 NADREL_API void NADREL_CALL Page_LineFeed(int32_t n);
 
 /*
- * 1B 4F xL xH yL yH 1D 69 wL wH hL hH t: a box with its corner at x, y. A thickness outside 0 to 255 is sent as
- * t = 00. Page only.
+ * 1B 4F xL xH yL yH 1D 69 wL wH hL hH t: a box with its corner at x, y. A thickness outside 0 to 255 is sent
+ * as t = 00. Page only.
  */
-NADREL_API void NADREL_CALL Page_DrawBox(int32_t x, int32_t y, int32_t width, int32_t height, int32_t thickness);
+NADREL_API void NADREL_CALL Page_DrawBox(int32_t x, int32_t y, int32_t width, int32_t height,
+                                         int32_t thickness);
 
 /*
  * 1B 67 31 x1L x1H y1L y1H x2L x2H y2L y2H t: a line, in either mode. 0 <= thickness <= 255, else nothing.
@@ -266,54 +275,57 @@ NADREL_API void NADREL_CALL Page_DrawBox(int32_t x, int32_t y, int32_t width, in
 NADREL_API void NADREL_CALL Page_DrawLine(int32_t x1, int32_t y1, int32_t x2, int32_t y2, int32_t thickness);
 
 /*
- * 1B 67 32 and the same bytes: an ellipse within the rectangle of the two corners, in either mode. 0 <= thickness <=
- * 255, else nothing.
+ * 1B 67 32 and the same bytes: an ellipse within the rectangle of the two corners, in either mode. 0 <=
+ * thickness <= 255, else nothing.
  */
-NADREL_API void NADREL_CALL Page_DrawEllipse(int32_t x1, int32_t y1, int32_t x2, int32_t y2, int32_t thickness);
+NADREL_API void NADREL_CALL Page_DrawEllipse(int32_t x1, int32_t y1, int32_t x2, int32_t y2,
+                                             int32_t thickness);
 
 /*
- * InitPrinterStatus, SetPageMode, Page_SetArea, Page_ClearCurrentData, in this order: 1B 40 1B 4C 1B 57 and eight
- * bytes, 18.
+ * InitPrinterStatus, SetPageMode, Page_SetArea, Page_ClearCurrentData, in this order: 1B 40 1B 4C 1B 57 and
+ * eight bytes, 18.
  */
 NADREL_API void NADREL_CALL InitPageMode(int32_t x, int32_t y, int32_t width, int32_t height);
 
 /*
  * BARCODES
  *
- * Data is converted as text is; only the low 8 bits of its length count, and as many bytes are sent (n; in 16-bit
- * fields n 00): 260 bytes send their first 4. A parameter out of range is replaced as told and the barcode is sent
- * all the same. Direct, but for the first two. Without a link the direct ones send their commands with no data.
+ * Data is converted as text is; only the low 8 bits of its length count, and as many bytes are sent (n; in
+ * 16-bit fields n 00): 260 bytes send their first 4. A parameter out of range is replaced as told and the
+ * barcode is sent all the same. Direct, but for the first two. Without a link the direct ones send their
+ * commands with no data.
  */
 
 /*
- * 1D 77 w 1D 68 h 1D 48 p 1D 6B m n data: a one-dimensional barcode. w = width of the narrow module, 1 to 8 dots, else
- * 00; h = height, 1 to 255 dots, else 00; p = text below, 01 for non-zero hri, else 00; m = low byte of symbology.
- * Through the link. Result: the new spool length, ERR_NOT_CONNECTED, ERR_SPOOL_LIMIT also when the spool length is
- * above 409600 before.
+ * 1D 77 w 1D 68 h 1D 48 p 1D 6B m n data: a one-dimensional barcode. w = width of the narrow module, 1 to 8
+ * dots, else 00; h = height, 1 to 255 dots, else 00; p = text below, 01 for non-zero hri, else 00; m = low
+ * byte of symbology. Through the link. Result: the new spool length, ERR_NOT_CONNECTED, ERR_SPOOL_LIMIT; this
+ * also, link or no link, when the spool length is above 409600 before.
  */
 NADREL_API int32_t NADREL_CALL OneDimensionBarcodeSaveSpool(uint32_t symbology, int32_t width, int32_t height,
                                                             int32_t hri, const NadrelChar *data);
 
 /*
- * A one-dimensional barcode on a page of its own, whatever the page-mode flag is, which stays: 1B 4C, 1B 57 00 00 00
- * 00 wL wH hL hH (areaWidth, areaHeight), 18, 1B 4F xL xH 00 00, 1D 77 w (2 to 6 dots, else 02), 1D 68 height, 1D 48 p,
- * 1D 6B symbology n data, 0C. Through the link. Result: 1, also when nothing was appended; 0 for null data.
+ * A one-dimensional barcode on a page of its own, whatever the page-mode flag is, which stays: 1B 4C, 1B 57
+ * 00 00 00 00 wL wH hL hH (areaWidth, areaHeight), 18, 1B 4F xL xH 00 00, 1D 77 w (2 to 6 dots, else 02), 1D
+ * 68 height, 1D 48 p (01 for non-zero hri, else 00), 1D 6B symbology n data, 0C. Through the link. Result: 1,
+ * also when nothing was appended; 0 for null data.
  */
 NADREL_API int32_t NADREL_CALL BarcodeSaveSpool(uint8_t symbology, uint8_t width, uint8_t height, int32_t hri,
                                                 const NadrelChar *data, int32_t areaWidth, int32_t areaHeight,
                                                 int32_t x);
 
 /*
- * 1D 5A k 1D 77 mw 1B 5A a1 a2 a3 n 00 data 1D 48 h, for all three PDF417 forms. mw = moduleWidth, 1 to 8, else 00;
- * a3 = p3, 2 to 5, else 00; h = 01 when hri is 1, else 00.
+ * 1D 5A k 1D 77 mw 1B 5A a1 a2 a3 n 00 data 1D 48 h, for all three PDF417 forms. mw = moduleWidth, 1 to 8,
+ * else 00; a3 = p3, 2 to 5, else 00; h = 01 when hri is 1, else 00.
  * Standard, k = 00: a1 = p1 and a2 = p2 when 1 <= p1 <= 30 and 0 <= p2 <= 8, else both 00.
  */
 NADREL_API void NADREL_CALL PDF417SaveSpool(int32_t moduleWidth, int32_t p1, int32_t p2, int32_t p3,
                                             const NadrelChar *data, int32_t hri);
 
 /*
- * k = 03: a1 = p1 when 1 <= p1 <= 4, and a2 = p2 when 4 <= p2 <= 44, else 00. With p1 out of range k, a1 and a2 are 00:
- * the symbol goes out as a standard one.
+ * k = 03: a1 = p1 when 1 <= p1 <= 4, and a2 = p2 when 4 <= p2 <= 44, else 00. With p1 out of range k, a1 and
+ * a2 are 00: the symbol goes out as a standard one.
  */
 NADREL_API void NADREL_CALL TruncatedPDF417SaveSpool(int32_t moduleWidth, int32_t p1, int32_t p2, int32_t p3,
                                                      const NadrelChar *data, int32_t hri);
@@ -323,44 +335,47 @@ NADREL_API void NADREL_CALL MicroPDF417SaveSpool(int32_t moduleWidth, int32_t p1
                                                  const NadrelChar *data, int32_t hri);
 
 /*
- * 1D 5A 02 1B 5A v e s n 00 data. v = version, 1 to 40, else 00; e = the letter 'L', 'M', 'Q' or 'H' that the low 16
- * bits of eccLevel are, else 00; s = moduleSize, 1 to 8 dots, else 00.
+ * 1D 5A 02 1B 5A v e s n 00 data. v = version, 1 to 40, else 00; e = the letter 'L', 'M', 'Q' or 'H' that the
+ * low 16 bits of eccLevel are, else 00; s = moduleSize, 1 to 8 dots, else 00.
  */
 NADREL_API void NADREL_CALL QRCodeSaveSpool(int32_t version, uint32_t eccLevel, int32_t moduleSize,
                                             const NadrelChar *data);
 
 /* 1D 5A 01 1B 5A p1 p2 s n 00 data. The low bytes of p1 and p2; s = moduleSize, 1 to 8 dots, else 00. */
-NADREL_API void NADREL_CALL DataMatrixSaveSpool(uint32_t p1, uint32_t p2, int32_t moduleSize, const NadrelChar *data);
+NADREL_API void NADREL_CALL DataMatrixSaveSpool(uint32_t p1, uint32_t p2, int32_t moduleSize,
+                                                const NadrelChar *data);
 
 /* 1D 5A 05 1B 5A m 00 00 n 00 data. m = mode, 2 to 6, else 00. */
 NADREL_API void NADREL_CALL MaxicodeSaveSpool(int32_t mode, const NadrelChar *data);
 
 /*
- * 1D 31 t s data 00. t = type, 0 to 6, else 00; s = the low byte of segments for type 6 when segments is even and
- * segments mod 21 is 2 to 20, else 00.
+ * 1D 31 t s data 00. t = type, 0 to 6, else 00; s = the low byte of segments for type 6 when segments is even
+ * and segments mod 21 is 2 to 20, else 00, as for any negative number.
  */
 NADREL_API void NADREL_CALL GS1DatabarSaveSpool(int32_t type, int32_t segments, const NadrelChar *data);
 
 /*
  * MACROS
  *
- * Appended whether or not a link is open, and also when the spool length is above 409600, as long as the storage has
- * room.
+ * Appended whether or not a link is open, and also when the spool length is above 409600, as long as the
+ * storage has room.
  */
 
 /* Appends nothing: marks where the macro's commands begin. */
 NADREL_API void NADREL_CALL SetMarco_Start(void);
 
 /*
- * Makes the n bytes since the mark a macro: they are replaced by n bytes 00, then 1B 1C 2B 01 00 nL nH and the n bytes
- * are appended. Without a mark the whole spool is the macro. Nothing changes when the mark lies behind the spool's
- * end or the result has no room.
+ * Makes the n bytes since the mark a macro: they are replaced by n bytes 00, then 1B 1C 2B 01 00 nL nH and
+ * the n bytes are appended. The mark is 0 until set, so that the whole spool is the macro, and again after a
+ * connect (but for InitWlanPrinter) or close; nothing else takes it back, ClearSpool and PrintSpool neither.
+ * Nothing changes when the mark lies behind the spool's end or the result has no room. Of n, 16 bits are
+ * sent.
  */
 NADREL_API void NADREL_CALL SetMacro_End(void);
 
 /*
- * 1B 1C 2B 01 00 06 00 1B 21 size 1B 74 table: a macro that sets font size and code table. 0 <= size <= 3 and 0 <= table
- * <= 50 or 255, else nothing.
+ * 1B 1C 2B 01 00 06 00 1B 21 size 1B 74 table: a macro that sets font size and code table. 0 <= size <= 3 and
+ * 0 <= table <= 50 or 255, else nothing.
  */
 NADREL_API void NADREL_CALL SetMacro_FontSize_FontTable(int32_t size, int32_t table);
 
@@ -372,8 +387,8 @@ NADREL_API void NADREL_CALL Initialize_Macro(void);
  */
 
 /*
- * 1B 67 46 name 00: selects a TrueType font that the printer holds by its file name, converted as text is and cut to
- * the low 8 bits of its length. Through the link, stores its result.
+ * 1B 67 46 name 00: selects a TrueType font that the printer holds by its file name, converted as text is and
+ * cut to the low 8 bits of its length. Through the link, stores its result.
  */
 NADREL_API int32_t NADREL_CALL SelectForTTF(const NadrelChar *name);
 
@@ -381,56 +396,58 @@ NADREL_API int32_t NADREL_CALL SelectForTTF(const NadrelChar *name);
 NADREL_API void NADREL_CALL SetFontForTTF(const NadrelChar *name);
 
 /*
- * 1B 67 55 p1 p2 text 00 00 0A: prints text with the selected font, in UTF-16 high byte first, of any length. p1 and p2
- * are the printer's. Through the link, stores its result.
+ * 1B 67 55 p1 p2 text 00 00 0A: prints text with the selected font, in UTF-16 high byte first, of any length.
+ * p1 and p2 are the printer's. Through the link, stores its result.
  */
 NADREL_API int32_t NADREL_CALL PrintSpoolForTTF(const NadrelChar *text, uint8_t p1, uint8_t p2);
 
 /*
  * SERIAL CONNECTION
  *
- * One link at a time. Connecting puts the spool, page mode and the macro mark back to their initial state. Port
- * names on Linux are device paths; a leading \\.\ is ignored and COM1 is /dev/ttyS0.
+ * One link at a time. Connecting puts the spool, page mode and the macro mark back to their initial state,
+ * also where it fails; so does closing. Port names on Linux are device paths; a leading \\.\ is ignored and
+ * COM1 is /dev/ttyS0.
  *
- * The port is opened for this process alone, without flow control, DTR and RTS raised. Writing takes at most 100 ms
- * a byte.
+ * The port is opened for this process alone, without flow control, DTR and RTS raised. Writing takes at most
+ * 100 ms a byte.
  *
- * framed: non-zero sends everything in the framed form (see PrintSpool) and has the connect ask the printer with the
- * query frame 00 C0 51 C1, up to four times, 400 ms apart; a printer that gives no framed status ends it with
- * ERR_NO_ANSWER.
+ * framed: non-zero sends everything in the framed form (see PrintSpool) and has the connect ask the printer
+ * with the query frame 00 C0 51 C1, up to four times, 400 ms apart; a printer that gives no framed status
+ * ends it with ERR_NO_ANSWER.
  *
- * Results: 1, or ERR_ALREADY_CONNECTED to ERR_NO_ANSWER. After ERR_SET_COMM_STATE and ERR_SET_TIMEOUTS the port
- * stays open, out of reach, until the process ends: it cannot be opened again.
+ * Results: 1, or ERR_ALREADY_CONNECTED to ERR_NO_ANSWER. After ERR_SET_COMM_STATE and ERR_SET_TIMEOUTS the
+ * port stays open, out of reach, until the process ends: it cannot be opened again.
  */
 
 /*
- * 8 bits, no parity, one stop bit; one attempt. framed is stored even when a link is already open. 0 for a null
- * port, and nothing changes.
+ * 8 bits, no parity, one stop bit; one attempt. framed is stored even when a link is already open. 0 for a
+ * null port, and nothing changes.
  */
 NADREL_API int32_t NADREL_CALL InitPrinter(const NadrelChar *port, uint32_t baudRate, int32_t framed);
 
 /*
- * 8 bits, no parity, one stop bit. Makes openTimeout / 200 attempts to open the port, at least one, each after a
- * pause of 200 ms.
+ * 8 bits, no parity, one stop bit. Makes openTimeout / 200 attempts to open the port, at least one, each
+ * after a pause of 200 ms.
  */
-NADREL_API int32_t NADREL_CALL ConnectSerialPrinter(const NadrelChar *port, uint32_t baudRate, int32_t openTimeout,
-                                                    int32_t framed);
+NADREL_API int32_t NADREL_CALL ConnectSerialPrinter(const NadrelChar *port, uint32_t baudRate,
+                                                    int32_t openTimeout, int32_t framed);
 
 /*
- * As ConnectSerialPrinter, with a port name in the ANSI code page and all line settings. A colon at the name's end is
- * removed; then a name of more than four characters gets \\.\ in front (COM3: opens COM3, COM12: opens \\.\COM12).
- * byteSize: 5 to 8. stopBits: 0 one, 1 one and a half (with 5 bits only), 2 two (with 6 bits and more). parity: 0
- * none, 1 odd, 2 even, 3 mark, 4 space. What the driver does not take gives ERR_SET_COMM_STATE.
+ * As ConnectSerialPrinter, with a port name in the ANSI code page and all line settings. A colon at the
+ * name's end is removed; then a name of more than four characters gets \\.\ in front (COM3: opens COM3,
+ * COM12: opens \\.\COM12).
+ * byteSize: 5 to 8. stopBits: 0 one, 1 one and a half (with 5 bits only), 2 two (with 6 bits and more).
+ * parity: 0 none, 1 odd, 2 even, 3 mark, 4 space. What the driver does not take gives ERR_SET_COMM_STATE.
  */
 NADREL_API int32_t NADREL_CALL ConnectSerialPrinterEx(const char *port, uint32_t baudRate, uint8_t byteSize,
                                                       uint8_t stopBits, uint8_t parity, int32_t openTimeout,
                                                       int32_t framed);
 
 /*
- * Closes whichever link is open. 1 when it did; 0 when none was open or the port would not close. When it returns, no
- * thread of the connection runs, and no notification handler is called for it any more (one that is itself the caller
- * finishes its call). It waits for a handler that is running on another thread. A notification handler may call it;
- * a sending call that waits on another thread then ends.
+ * Closes whichever link is open. 1 when it did; 0 when none was open or the port would not close. When it
+ * returns, no thread of the connection runs, and no notification handler is called for it any more (one that
+ * is itself the caller finishes its call). It waits for a handler that is running on another thread. A
+ * notification handler may call it; a sending call that waits on another thread then ends.
  */
 NADREL_API int32_t NADREL_CALL ClosePrinter(void);
 
@@ -440,69 +457,72 @@ NADREL_API int32_t NADREL_CALL ClosePrinterConnection(void);
 /*
  * WIRELESS CONNECTION
  *
- * One TCP connection. The address is an IPv4 or IPv6 address or a host name. framed: as for a serial connection.
- * Resolving a host name takes as long as the system's resolver takes.
+ * One TCP connection. The address is an IPv4 or IPv6 address or a host name. framed: as for a serial
+ * connection. Resolving a host name takes as long as the system's resolver takes.
  */
 
 /*
- * One attempt of timeout / 1000 whole seconds: anything under 1000 polls once. The library's state is not put back:
- * spool, page mode and macro mark survive.
- * Result: 1; -1 the socket could not be made to wait or not to wait; -2 no connection in time, or refused; -3 a link
- * is already open; -5 (ERR_NO_ANSWER).
+ * One attempt of timeout / 1000 whole seconds: anything under 1000 polls once. The library's state is not put
+ * back: spool, page mode and macro mark survive.
+ * Result: 1; -1 the socket could not be made to wait or not to wait; -2 no connection in time, or refused; -3
+ * a link is already open; -5 (ERR_NO_ANSWER).
  */
 NADREL_API int32_t NADREL_CALL InitWlanPrinter(const NadrelChar *address, uint32_t port, int32_t timeout,
                                                int32_t framed);
 
 /*
- * Makes timeout / 200 attempts, at least one, each after a pause of 200 ms. Spool, page mode and macro mark are put
- * back to their initial state.
- * Result: 1; -1 a link is already open; -2 the socket failed; -3 attempts ran out before the connection was found to
- * stand; -7 the last attempt timed out, or was refused; -5 (ERR_NO_ANSWER).
+ * Makes timeout / 200 attempts, at least one, each after a pause of 200 ms. Spool, page mode and macro mark
+ * are put back to their initial state.
+ * Result: 1; -1 a link is already open; -2 the socket failed; -3 attempts ran out before the connection was
+ * found to stand; -7 the last attempt timed out, or was refused; -5 (ERR_NO_ANSWER).
  */
-NADREL_API int32_t NADREL_CALL ConnectWirelessPrinter(const NadrelChar *address, uint32_t port, int32_t timeout,
-                                                      int32_t framed);
+NADREL_API int32_t NADREL_CALL ConnectWirelessPrinter(const NadrelChar *address, uint32_t port,
+                                                      int32_t timeout, int32_t framed);
 
 /*
  * PRINTING
  */
 
 /*
- * Sends the whole spool in one write and, with clear non-zero, empties it. Plain links get the bytes as they are.
- * Framed links get
+ * Sends the whole spool in one write and, with clear non-zero, empties it. Plain links get the bytes as they
+ * are. Framed links get
  *
  *     00 C0 44 31 <length, four ASCII digits> <payload> <c0> <c1> C1
  *
- * where c0 and c1 are the XOR of the payload's bytes at even and at odd places, and a byte C0, C1 or 7D of payload and
- * check value goes out as 7D and the byte XOR 20. Of a length above 9999 only the first four digits are sent.
+ * where c0 and c1 are the XOR of the payload's bytes at even and at odd places, and a byte C0, C1 or 7D of
+ * payload and check value goes out as 7D and the byte XOR 20. Of a length above 9999 only the first four
+ * digits are sent.
  *
- * Result: 1 when the bytes were handed to the link, whatever became of them there (GetLinkReport knows on Linux);
- * ERR_NOT_CONNECTED; ERR_FRAME_LIMIT, nothing sent and the spool kept; 0, nothing sent and nothing changed, when the
- * spool length is below zero.
+ * Result: 1 when the bytes were handed to the link, whatever became of them there (GetLinkReport knows on
+ * Linux); ERR_NOT_CONNECTED; ERR_FRAME_LIMIT, nothing sent and the spool kept; 0, nothing sent and nothing
+ * changed, when the spool length is below zero.
  */
 NADREL_API int32_t NADREL_CALL PrintSpool(int32_t clear);
 
 /*
  * NOTIFICATIONS
  *
- * What the printer sends comes as the message whose registered name is NADREL_PRT_OK: on Windows posted to all
- * top-level windows, on Linux told to the handler of SetNotificationHandler. wParam = (kind << 16) | length, lParam
- * by kind:
+ * What the printer sends comes as the message whose registered name is NADREL_PRT_OK: on Windows posted to
+ * all top-level windows, on Linux told to the handler of SetNotificationHandler. wParam = (kind << 16) |
+ * length, lParam by kind:
  *
- *     'D'  a reply to GetPrinterModelName or GetFirmwareVersion (zero bytes left out); a reply that begins with 1B or
- *          02, but for card data; a framed reply that begins with 1B or 'D'.            lParam: the reply's address
- *     'S'  a plain reply to a status query (zero bytes left out).                       lParam: the reply's address
- *     'S'  a framed status.                                                             lParam: the status itself
- *     'T'  a print-out status report, or a plain reply that begins with '0' while no status query is outstanding (zero
- *          bytes left out).                                                             lParam: the reply's address
- *     'N'  card data on a plain link: begins with 1B or 02 and a byte 00 to 03.         lParam: the reply's address
+ *     'D'  a reply to GetPrinterModelName or GetFirmwareVersion, zero bytes left out: the reply's address
+ *     'D'  a reply that begins with 1B or 02 and is no card data; a framed reply that begins with 1B or 'D':
+ *          the reply's address
+ *     'S'  a plain reply to a status query, zero bytes left out: the reply's address
+ *     'S'  a framed status: the status itself
+ *     'T'  a print-out status report, or a plain reply that begins with '0' while no status query is
+ *          outstanding, zero bytes left out: the reply's address
+ *     'N'  card data on a plain link, which begins with 1B or 02 and a byte 00 to 03: the reply's address
  *     06 (ACK), 15 (NAK), 18 (CAN), 03, 04
- *          the framed replies of these numbers.                                         lParam: 0
+ *          the framed replies of these numbers: 0
  *
- * length is the bytes at the address: at most 1024, card data at most 2048, what is longer is cut. Where lParam is no
- * address, length is that of the reply before. The buffer is overwritten by the next reply: copy it in the handler.
+ * length is the bytes at the address: at most 1024, card data at most 2048, what is longer is cut. Where
+ * lParam is no address, length is that of the reply before. The buffer is overwritten by the next reply: copy
+ * it in the handler.
  *
- * A reply ends where no byte follows for 5 ms. Replies are looked at every 100 to 200 ms. A status byte 00 is never
- * told, one of 1B or 02 comes as 'D'.
+ * A reply ends where no byte follows for 5 ms. Replies are looked at every 100 to 200 ms. A status byte 00 is
+ * never told, one of 1B or 02 comes as 'D'.
  */
 
 /*
@@ -512,8 +532,8 @@ NADREL_API int32_t NADREL_CALL PrintSpool(int32_t clear);
  */
 
 /*
- * 1B 76, framed 00 C0 51 C1. Asks timeout / 200 times, at least once, each time waiting 200 ms for any byte to come; the
- * status comes by notification. Result: 1 some byte came; -1 no link is open; -7 none came.
+ * 1B 76, framed 00 C0 51 C1. Asks timeout / 200 times, at least once, each time waiting 200 ms for any byte
+ * to come; the status comes by notification. Result: 1 some byte came; -1 no link is open; -7 none came.
  */
 NADREL_API int32_t NADREL_CALL GetPrinterStatus(int32_t timeout);
 
@@ -527,21 +547,21 @@ NADREL_API void NADREL_CALL GetPrinterModelName(void);
 NADREL_API void NADREL_CALL GetFirmwareVersion(void);
 
 /*
- * 1D 76 01 for mode 1, else 1D 76 00: has the printer report each print-out, or not; reports come as 'T'. Result: 0;
- * ERR_SPOOL_LIMIT, and nothing is sent, when the spool length is above 409600.
+ * 1D 76 01 for mode 1, else 1D 76 00: has the printer report each print-out, or not; reports come as 'T'.
+ * Result: 0; ERR_SPOOL_LIMIT, and nothing is sent, when the spool length is above 409600.
  */
 NADREL_API int32_t NADREL_CALL Set_PrintOutStatus(uint32_t mode);
 
 /*
  * CARD READERS
  *
- * What the readers answer comes by notification. The first six are sent straight to the link, framed where it is,
- * with the result 0 whether or not a link is open, unless told otherwise.
+ * What the readers answer comes by notification. The first six are sent straight to the link, framed where it
+ * is, with the result 0 whether or not a link is open, unless told otherwise.
  */
 
 /*
- * 1B 4D x: magnetic-stripe reading, x = 'C', 'D', 'E', 'F', 'G' for track 0 to 4, else 00. ERR_NOT_CONNECTED without a
- * link.
+ * 1B 4D x: magnetic-stripe reading, x = 'C', 'D', 'E', 'F', 'G' for track 0 to 4, else 00. ERR_NOT_CONNECTED
+ * without a link.
  */
 NADREL_API int32_t NADREL_CALL EnterMSRMode(int32_t track);
 
@@ -570,9 +590,9 @@ NADREL_API int32_t NADREL_CALL EnterSCRMode(void);
 NADREL_API int32_t NADREL_CALL CancelSCRMode(void);
 
 /*
- * 1B 4D 53 q r text: a command for the secured card module, 8-bit and whole; q and r are quotient and rest by 255 of the
- * low byte of its length. Direct. Result: the position where the text begins, or ERR_SPOOL_LIMIT when nothing was
- * appended.
+ * 1B 4D 53 q r text: a command for the secured card module, 8-bit and whole; q and r are quotient and rest by
+ * 255 of the low byte of its length. Direct. Result: the position where the text begins, or ERR_SPOOL_LIMIT
+ * when nothing was appended.
  */
 NADREL_API int32_t NADREL_CALL SecuredCardCommend(const char *text);
 
@@ -583,16 +603,17 @@ NADREL_API int32_t NADREL_CALL SecuredCardCommend(const char *text);
  */
 
 /*
- * 1B 6D and the low bytes of the eight characters. Result: 1; any other length is the result itself, and nothing is
- * sent.
+ * 1B 6D and the low bytes of the eight characters. Result: 1; any other length is the result itself, and
+ * nothing is sent.
  */
 NADREL_API int32_t NADREL_CALL SetTermialID(const NadrelChar *id);
 
 /*
- * 1B 6E t, then first as 12, second as 8 and third as 6 digits, two a byte. t = 01 when the low byte of type is not
- * zero, else 00. first: 0 to 12 digits, filled with zeros from the left; second: 8; third: 6. What is not a digit
- * counts with the low four bits of its distance from '0'. Checked in this order, and nothing is sent but with the
- * result 1: -1 first is longer than 12; the length of second when it is not 8; -4 third is not 6.
+ * 1B 6E t, then first as 12, second as 8 and third as 6 digits, two a byte. t = 01 when the low byte of type
+ * is not zero, else 00. first: 0 to 12 digits, filled with zeros from the left; second: 8; third: 6. What is
+ * not a digit counts with the low four bits of its distance from '0'. Checked in this order, and nothing is
+ * sent but with the result 1: -1 first is longer than 12; the length of second when it is not 8; -4 third is
+ * not 6.
  */
 NADREL_API int32_t NADREL_CALL SetPaymentReq(uint32_t type, const NadrelChar *first, const NadrelChar *second,
                                              const NadrelChar *third);

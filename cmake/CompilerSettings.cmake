@@ -2,6 +2,10 @@
 add_library(nadrel_settings INTERFACE)
 target_include_directories(nadrel_settings INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_options(nadrel_settings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # g++ 12 sees overlapping copies in std::string's operator+ that are not there.
+    target_compile_options(nadrel_settings INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
+endif()
 
 if(NADREL_SANITIZE)
     add_compile_options(-fsanitize=${NADREL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -9,14 +9,13 @@ using namespace nadrel;
 
 namespace {
 
-constexpr uint8_t kEsc = 0x1B;
 constexpr uint8_t kEot = 0x04;
 constexpr uint8_t kStx = 0x02;
 constexpr uint8_t kEtx = 0x03;
 
 // Track selections 0 to 4; any other is sent as 00.
 constexpr uint8_t TrackLetter(int32_t track) {
-    return track >= 0 && track <= 4 ? static_cast<uint8_t>('C' + track) : uint8_t{0};
+    return InRange(track, 0, 4) ? static_cast<uint8_t>('C' + track) : uint8_t{0};
 }
 
 // The position of the last byte appended.
@@ -69,7 +68,7 @@ int32_t CancelSCRMode() {
 int32_t SecuredCardCommend(const char *text) {
     const Bytes command(reinterpret_cast<const uint8_t *>(text), text == nullptr ? 0 : std::strlen(text));
     const uint32_t low = command.size() & 0xFF;
-    const int32_t textPosition = SpoolLength + 5;
     const bool appended = AppendDirect({Command(kEsc, 'M', 'S', low / 255, low % 255), command});
-    return appended ? textPosition : static_cast<int32_t>(ERR_SPOOL_LIMIT);
+    return appended ? SpoolLength - static_cast<int32_t>(command.size())
+                    : static_cast<int32_t>(ERR_SPOOL_LIMIT);
 }

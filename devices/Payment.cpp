@@ -59,7 +59,8 @@ int32_t SetTermialID(const NadrelChar *id) {
     return kWritten;
 }
 
-int32_t SetPaymentReq(uint32_t type, const NadrelChar *first, const NadrelChar *second, const NadrelChar *third) {
+int32_t SetPaymentReq(uint32_t type, const NadrelChar *first, const NadrelChar *second,
+                      const NadrelChar *third) {
     const Text fields[] = {TextOf(first), TextOf(second), TextOf(third)};
     if (fields[0].size() > 2 * kFirstBytes)
         return kFirstTooLong;

@@ -14,7 +14,7 @@ constexpr int32_t kNoAnswer = -7;
 constexpr uint8_t kArmed = 0xFF;
 
 void SendStatusQuery(uint8_t letter) {
-    const auto plain = Request(0x1B, letter);
+    const auto plain = Request(kEsc, letter);
     if (FramedMode != 0)
         WriteToLink(kQueryFrame, sizeof kQueryFrame);
     else
@@ -51,14 +51,14 @@ int32_t GetPrinterStatusEX(int32_t timeout) {
 void GetPrinterModelName() {
     if (SpoolIsPastCapacity())
         return;
-    SendRequest(Request(0x1B, 'Y', 0xFF));
+    SendRequest(Request(kEsc, 'Y', 0xFF));
     ModelNamePending = 1;
 }
 
 void GetFirmwareVersion() {
     if (SpoolIsPastCapacity())
         return;
-    SendRequest(Request(0x1B, 0x00, 0x01));
+    SendRequest(Request(kEsc, 0x00, 0x01));
     FirmwarePending = 1;
 }
 
@@ -67,5 +67,5 @@ int32_t Set_PrintOutStatus(uint32_t mode) {
         return ERR_SPOOL_LIMIT;
     const bool on = mode == 1;
     PrintOutStatusArmed = on ? 1 : 0;
-    return SendRequest(Request(0x1D, 'v', on));
+    return SendRequest(Request(kGs, 'v', on));
 }

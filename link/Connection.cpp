@@ -22,8 +22,8 @@ constexpr int kProbes = 4;
 constexpr uint32_t kProbePauseMs = 400;
 constexpr uint32_t kReleasePauseMs = 10;
 
-// Both threads are ended for certain, also where the receive thread has left by itself and the parser is still in one
-// of its pauses: what they use is freed next.
+// Both threads are ended for certain, also where the receive thread has left by itself and the parser is
+// still in one of its pauses: what they use is freed next.
 void StopThreads() {
     if (ReceiveThreadObject != nullptr) {
         const uint32_t exitCode = platform::ThreadExitCode(ReceiveThreadObject);
@@ -39,15 +39,14 @@ void StopThreads() {
     ReceiveThreadObject = nullptr;
 }
 
-// A call that was sending when a notification handler closed the link has been released by the closing; it leaves
-// before what it uses is put back.
+// A call that was sending when a notification handler closed the link has been released by the closing; it
+// leaves before what it uses is put back.
 void AwaitSendingCalls() {
     while (SendingCalls.Acquire() != 0)
         platform::Sleep(1);
 }
 
 void ReleaseBuffers() {
-    delete ConversionBuffer;
     ConversionBuffer = nullptr;
     if (ReceiveQueue != nullptr)
         ReceiveQueue->Reset(); // card data does not stay behind in freed memory
@@ -73,20 +72,12 @@ int32_t CloseSerialLink() {
     platform::CloseNotifications();
     if (!closed)
         return 0;
-    // On a handle that is closed these do nothing to the line. Their order and place are what traces of the library
-    // have always shown.
+    // On a handle that is closed these do nothing to the line. Their order and place are what traces of the
+    // library have always shown.
     platform::SignalPort(port, platform::PortSignal::clearDtr);
     platform::SignalPort(port, platform::PortSignal::clearRts);
     platform::PurgePort(port, platform::kPurgeAll);
     return FinishClose();
-}
-
-void DisposeOfSocket() {
-    if (WirelessSocket == nullptr)
-        return;
-    delete WirelessSocket;
-    WirelessSocket = nullptr;
-    platform::StopSocketSupport();
 }
 
 int32_t CloseWirelessLink() {
@@ -100,10 +91,17 @@ int32_t CloseWirelessLink() {
 
 } // namespace
 
-bool CreateConversionBuffer() {
-    if (ConversionBuffer == nullptr)
-        ConversionBuffer = new (std::nothrow) ConversionStorage;
-    return ConversionBuffer != nullptr;
+void CreateConversionBuffer() {
+    ConversionStore.Clear();
+    ConversionBuffer = &ConversionStore;
+}
+
+void DisposeOfSocket() {
+    const MySocket *const socket = WirelessSocket.Exchange(nullptr);
+    if (socket == nullptr)
+        return;
+    delete socket;
+    platform::StopSocketSupport();
 }
 
 void StartReceiveSide() {
@@ -143,7 +141,6 @@ int32_t ClosePrinter() {
         return CloseSerialLink();
     if (WirelessLinkOpen.Exchange(0) != 0)
         return CloseWirelessLink();
-    DisposeOfSocket();
     return 0;
 }
 

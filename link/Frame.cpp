@@ -12,7 +12,9 @@ constexpr uint8_t kEscape = 0x7D;
 constexpr uint8_t kEscapeMask = 0x20;
 constexpr int32_t kHeaderLength = 8;
 
-constexpr bool NeedsEscape(uint8_t byte) { return byte == kStart || byte == kEnd || byte == kEscape; }
+constexpr bool NeedsEscape(uint8_t byte) {
+    return byte == kStart || byte == kEnd || byte == kEscape;
+}
 
 uint8_t *PutEscaped(uint8_t *to, uint8_t byte) {
     if (!NeedsEscape(byte)) {

@@ -30,12 +30,13 @@ CheckValue CheckPairs(const uint8_t *bytes, int32_t pairs);
 // Bytes of the whole frame.
 int32_t FramedLength(Bytes payload, CheckValue check);
 
-// Writes the frame, FramedLength bytes of it. Of a payload longer than 9999 bytes the length field carries the first
-// four digits.
+// Writes the frame, FramedLength bytes of it. Of a payload longer than 9999 bytes the length field carries
+// the first four digits.
 void EncodeFrame(Bytes payload, CheckValue check, uint8_t *frame);
 
 // The frame of a short fixed request none of whose bytes needs escaping.
-template <size_t Count> std::array<uint8_t, Count + kFrameOverhead> FrameRequest(const std::array<uint8_t, Count> &request) {
+template <size_t Count>
+std::array<uint8_t, Count + kFrameOverhead> FrameRequest(const std::array<uint8_t, Count> &request) {
     std::array<uint8_t, Count + 2> padded = {};
     std::copy(request.begin(), request.end(), padded.begin());
     std::array<uint8_t, Count + kFrameOverhead> frame;

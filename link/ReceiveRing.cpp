@@ -46,7 +46,8 @@ int32_t ReceiveRing::Get(uint8_t &byte) {
 int32_t ReceiveRing::Skip(int32_t n) {
     if (n < 0 || Count() < n)
         return 0;
-    tail.store(Advance(tail.load(std::memory_order_relaxed), static_cast<uint32_t>(n)), std::memory_order_release);
+    tail.store(Advance(tail.load(std::memory_order_relaxed), static_cast<uint32_t>(n)),
+               std::memory_order_release);
     return 1;
 }
 

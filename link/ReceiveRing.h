@@ -18,8 +18,8 @@ class ReceiveRing {
     // 1, or 0 when the ring is full and nothing is stored.
     int32_t Put(uint8_t byte);
 
-    // 1 with the oldest byte, or 0 after a pause of 5 ms when the ring is empty; `byte` is then left as it is. The
-    // pause is what tells a reply's end: bytes further apart are separate replies.
+    // 1 with the oldest byte, or 0 after a pause of 5 ms when the ring is empty; `byte` is then left as it
+    // is. The pause is what tells a reply's end: bytes further apart are separate replies.
     int32_t Get(uint8_t &byte);
 
     // Drops the n oldest bytes: 1, or 0 when there are fewer.

@@ -4,8 +4,8 @@
 
 namespace nadrel {
 
-// What a reply is, told from its first byte, the outstanding requests and, for the two lead bytes of readers and
-// modules, its second byte.
+// What a reply is, told from its first byte, the outstanding requests and, for the two lead bytes of readers
+// and modules, its second byte.
 enum class ReplyClass {
     padding,     // a zero: dropped
     frame,       // C0: the framed-reply handler reads on
@@ -27,10 +27,12 @@ struct OutstandingRequests {
 };
 
 // Whether a second byte belongs to the classification.
-constexpr bool BeginsPair(uint8_t first) { return first == 0x1B || first == 0x02; }
+constexpr bool BeginsPair(uint8_t first) {
+    return first == 0x1B || first == 0x02;
+}
 
-// The order of the tests is part of the interface: the first request that matches claims the reply. `second` counts
-// only where BeginsPair(first).
+// The order of the tests is part of the interface: the first request that matches claims the reply. `second`
+// counts only where BeginsPair(first).
 constexpr ReplyClass ClassifyReply(uint8_t first, uint8_t second, const OutstandingRequests &requests) {
     if (first == 0x00)
         return ReplyClass::padding;

@@ -15,7 +15,8 @@ constexpr uint32_t kReplyPauseMs = 100;
 constexpr uint32_t kCardDataPauseMs = 500;
 
 // A library-owned reply: zero but for what is stored, and storing stops at its end.
-template <int32_t Capacity> class ReplyWriter {
+template <int32_t Capacity>
+class ReplyWriter {
   public:
     explicit ReplyWriter(std::atomic<uint8_t> (&reply)[Capacity]) : buffer(reply) {
         for (std::atomic<uint8_t> &byte : buffer)
@@ -42,7 +43,8 @@ void Post(uint8_t kind, int32_t length, intptr_t lParam) {
     platform::PostNotification(NotifyMessageId, wParam, lParam);
 }
 
-template <typename Buffer> intptr_t AddressOf(Buffer &buffer) {
+template <typename Buffer>
+intptr_t AddressOf(Buffer &buffer) {
     return reinterpret_cast<intptr_t>(&buffer[0]);
 }
 
@@ -83,7 +85,8 @@ void PostFramedStatus() {
         Post('S', ResponseLength, value);
 }
 
-// What follows a C0. The short replies carry no length of their own: hosts get that of the last text or pair reply.
+// What follows a C0. The short replies carry no length of their own: hosts get that of the last text or pair
+// reply.
 void HandleFramedReply() {
     uint8_t type = 0;
     if (!NextByte(type))
@@ -112,7 +115,8 @@ void HandleFramedReply() {
 }
 
 OutstandingRequests Outstanding() {
-    return {ModelNamePending == 1, StatusPending == 1, FirmwarePending == 1, PrintOutStatusArmed == 1, FramedMode != 0};
+    return {ModelNamePending == 1, StatusPending == 1, FirmwarePending == 1, PrintOutStatusArmed == 1,
+            FramedMode != 0};
 }
 
 void HandleReply(uint8_t first, uint8_t second) {

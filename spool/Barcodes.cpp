@@ -4,9 +4,6 @@ using namespace nadrel;
 
 namespace {
 
-constexpr uint8_t kEsc = 0x1B;
-constexpr uint8_t kGs = 0x1D;
-
 constexpr uint8_t kDataMatrix = 1;
 constexpr uint8_t kQrCode = 2;
 constexpr uint8_t kMaxicode = 5;
@@ -20,7 +17,8 @@ uint8_t CountOf(Bytes data) {
     return static_cast<uint8_t>(data.size());
 }
 
-// GS 'Z' symbology, ESC 'Z' a b c nL nH, data: QR Code, DataMatrix and MaxiCode differ in their three parameters.
+// GS 'Z' symbology, ESC 'Z' a b c nL nH, data: QR Code, DataMatrix and MaxiCode differ in their three
+// parameters.
 void AppendMatrix(uint8_t symbology, uint8_t a, uint8_t b, uint8_t c, Bytes data) {
     AppendDirect({Command(kGs, 'Z', symbology, kEsc, 'Z', a, b, c, CountOf(data), 0), data});
 }
@@ -33,44 +31,46 @@ struct Pdf417Parameters {
 
 // Standard: parameters out of range leave both at the printer's default.
 constexpr Pdf417Parameters StandardPdf417(int32_t p1, int32_t p2) {
-    if (p1 < 1 || p1 > 30 || p2 < 0 || p2 > 8)
+    if (!InRange(p1, 1, 30) || !InRange(p2, 0, 8))
         return {};
     return {0, static_cast<uint8_t>(p1), static_cast<uint8_t>(p2)};
 }
 
 // Truncated: with p1 out of range the symbol goes out as a standard one.
 constexpr Pdf417Parameters TruncatedPdf417(int32_t p1, int32_t p2) {
-    if (p1 < 1 || p1 > 4)
+    if (!InRange(p1, 1, 4))
         return {};
     return {3, static_cast<uint8_t>(p1), InRangeOrZero(p2, 4, 44)};
 }
 
 // Micro: with either out of range the symbol goes out as a standard one.
 constexpr Pdf417Parameters MicroPdf417(int32_t p1, int32_t p2) {
-    if (p1 < 1 || p1 > 4 || p2 < 0 || p2 > 8)
+    if (!InRange(p1, 1, 4) || !InRange(p2, 0, 8))
         return {};
     return {4, static_cast<uint8_t>(p1), static_cast<uint8_t>(p2)};
 }
 
 // The text position follows the data, unlike in the one-dimensional commands, and only hri 1 asks for it.
-void AppendPdf417(const Pdf417Parameters &form, int32_t moduleWidth, int32_t p3, const char16_t *text, int32_t hri) {
+void AppendPdf417(const Pdf417Parameters &form, int32_t moduleWidth, int32_t p3, const char16_t *text,
+                  int32_t hri) {
     const Bytes data = ConvertData(text);
-    AppendDirect({Command(kGs, 'Z', form.selector, kGs, 'w', InRangeOrZero(moduleWidth, 1, 8), kEsc, 'Z', form.a1,
-                          form.a2, InRangeOrZero(p3, 2, 5), CountOf(data), 0),
+    AppendDirect({Command(kGs, 'Z', form.selector, kGs, 'w', InRangeOrZero(moduleWidth, 1, 8), kEsc, 'Z',
+                          form.a1, form.a2, InRangeOrZero(p3, 2, 5), CountOf(data), 0),
                   data, Command(kGs, 'H', hri == 1)});
 }
 
 // The level travels as its letter; anything else leaves it to the printer.
 constexpr uint8_t EccLetter(uint32_t level) {
     const uint32_t letter = level & 0xFFFF;
-    return letter == 'L' || letter == 'M' || letter == 'Q' || letter == 'H' ? static_cast<uint8_t>(letter) : uint8_t{0};
+    return letter == 'L' || letter == 'M' || letter == 'Q' || letter == 'H' ? static_cast<uint8_t>(letter)
+                                                                            : uint8_t{0};
 }
 
 // GS1 DataBar Expanded Stacked alone has segments; the test is on the number modulo 21, the byte sent is the
 // number's own.
 constexpr uint8_t DatabarSegments(int32_t type, int32_t segments) {
     const int32_t rest = segments % 21;
-    const bool given = type == 6 && rest >= 2 && rest <= 20 && segments % 2 == 0;
+    const bool given = type == 6 && InRange(rest, 2, 20) && segments % 2 == 0;
     return given ? static_cast<uint8_t>(segments) : uint8_t{0};
 }
 
@@ -86,22 +86,23 @@ int32_t OneDimensionBarcodeSaveSpool(uint32_t symbology, int32_t width, int32_t 
                               Command(kGs, 'k', symbology, CountOf(bars)), bars});
 }
 
-int32_t BarcodeSaveSpool(uint8_t symbology, uint8_t width, uint8_t height, int32_t hri, const NadrelChar *data,
-                         int32_t areaWidth, int32_t areaHeight, int32_t x) {
+int32_t BarcodeSaveSpool(uint8_t symbology, uint8_t width, uint8_t height, int32_t hri,
+                         const NadrelChar *data, int32_t areaWidth, int32_t areaHeight, int32_t x) {
     if (data == nullptr)
         return 0;
     const Bytes bars = ConvertData(data);
     const uint8_t moduleWidth = width >= 2 && width <= 6 ? width : uint8_t{2};
     AppendThroughLink({Command(kEsc, 'L'),
-                       Command(kEsc, 'W', 0, 0, 0, 0, LowByte(areaWidth), HighByte(areaWidth), LowByte(areaHeight),
-                               HighByte(areaHeight)),
-                       Command(0x18), Command(kEsc, 'O', LowByte(x), HighByte(x), 0, 0), Command(kGs, 'w', moduleWidth),
+                       Command(kEsc, 'W', 0, 0, 0, 0, LowByte(areaWidth), HighByte(areaWidth),
+                               LowByte(areaHeight), HighByte(areaHeight)),
+                       Command(kCan), PositionCommand(x, 0), Command(kGs, 'w', moduleWidth),
                        Command(kGs, 'h', height), Command(kGs, 'H', hri != 0),
-                       Command(kGs, 'k', symbology, CountOf(bars)), bars, Command(0x0C)});
+                       Command(kGs, 'k', symbology, CountOf(bars)), bars, Command(kFf)});
     return 1; // whatever came of it
 }
 
-void PDF417SaveSpool(int32_t moduleWidth, int32_t p1, int32_t p2, int32_t p3, const NadrelChar *data, int32_t hri) {
+void PDF417SaveSpool(int32_t moduleWidth, int32_t p1, int32_t p2, int32_t p3, const NadrelChar *data,
+                     int32_t hri) {
     AppendPdf417(StandardPdf417(p1, p2), moduleWidth, p3, data, hri);
 }
 
@@ -121,8 +122,8 @@ void QRCodeSaveSpool(int32_t version, uint32_t eccLevel, int32_t moduleSize, con
 }
 
 void DataMatrixSaveSpool(uint32_t p1, uint32_t p2, int32_t moduleSize, const NadrelChar *data) {
-    AppendMatrix(kDataMatrix, static_cast<uint8_t>(p1), static_cast<uint8_t>(p2), InRangeOrZero(moduleSize, 1, 8),
-                 ConvertData(data));
+    AppendMatrix(kDataMatrix, static_cast<uint8_t>(p1), static_cast<uint8_t>(p2),
+                 InRangeOrZero(moduleSize, 1, 8), ConvertData(data));
 }
 
 void MaxicodeSaveSpool(int32_t mode, const NadrelChar *data) {
@@ -131,5 +132,6 @@ void MaxicodeSaveSpool(int32_t mode, const NadrelChar *data) {
 
 void GS1DatabarSaveSpool(int32_t type, int32_t segments, const NadrelChar *data) {
     const Bytes bars = ConvertData(data);
-    AppendDirect({Command(kGs, '1', InRangeOrZero(type, 0, 6), DatabarSegments(type, segments)), bars, Command(0)});
+    AppendDirect(
+        {Command(kGs, '1', InRangeOrZero(type, 0, 6), DatabarSegments(type, segments)), bars, Command(0)});
 }

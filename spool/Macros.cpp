@@ -8,11 +8,7 @@ namespace {
 
 // ESC FS '+' 01 00 nL nH, then n bytes that the printer keeps as its macro.
 constexpr auto MacroHeader(int32_t n) {
-    return Command(0x1B, 0x1C, '+', 0x01, 0x00, LowByte(n), HighByte(n));
-}
-
-constexpr bool TableIsPermitted(int32_t table) {
-    return table == 255 || (table >= 0 && table <= 50);
+    return Command(kEsc, 0x1C, '+', 0x01, 0x00, LowByte(n), HighByte(n));
 }
 
 } // namespace
@@ -21,8 +17,8 @@ void SetMarco_Start() {
     MacroStartMark = SpoolLength;
 }
 
-// The body is sent as the macro and its old place is sent as zeros, which printers ignore: the spool length does not
-// move back.
+// The body is sent as the macro and its old place is sent as zeros, which printers ignore: the spool length
+// does not move back.
 void SetMacro_End() {
     const int32_t mark = MacroStartMark;
     const int32_t end = SpoolLength;
@@ -37,8 +33,8 @@ void SetMacro_End() {
 }
 
 void SetMacro_FontSize_FontTable(int32_t size, int32_t table) {
-    if (size >= 0 && size <= 3 && TableIsPermitted(table))
-        AppendPieces({MacroHeader(6), Command(0x1B, '!', size, 0x1B, 't', table)});
+    if (InRange(size, 0, 3) && IsCodeTable(table, 50))
+        AppendPieces({MacroHeader(6), Command(kEsc, '!', size, kEsc, 't', table)});
 }
 
 void Initialize_Macro() {

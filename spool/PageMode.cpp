@@ -4,9 +4,6 @@ using namespace nadrel;
 
 namespace {
 
-constexpr uint8_t kEsc = 0x1B;
-constexpr uint8_t kGs = 0x1D;
-
 constexpr uint8_t kLine = '1';
 constexpr uint8_t kEllipse = '2';
 
@@ -23,8 +20,8 @@ void AppendOnPageIfByte(uint8_t letter, int32_t n) {
 // Appended in either mode, and not at all with a thickness out of range.
 void Draw(uint8_t shape, int32_t x1, int32_t y1, int32_t x2, int32_t y2, int32_t thickness) {
     if (IsByte(thickness))
-        AppendDirect(Command(kEsc, 'g', shape, LowByte(x1), HighByte(x1), LowByte(y1), HighByte(y1), LowByte(x2),
-                             HighByte(x2), LowByte(y2), HighByte(y2), thickness));
+        AppendDirect(Command(kEsc, 'g', shape, LowByte(x1), HighByte(x1), LowByte(y1), HighByte(y1),
+                             LowByte(x2), HighByte(x2), LowByte(y2), HighByte(y2), thickness));
 }
 
 } // namespace
@@ -40,34 +37,34 @@ void Page_SetStandardMode() {
 }
 
 void Page_ClearCurrentData() {
-    AppendOnPage(Command(0x18));
+    AppendOnPage(Command(kCan));
 }
 
 void Page_Print() {
-    AppendOnPage(Command(kEsc, 0x0C));
+    AppendOnPage(Command(kEsc, kFf));
 }
 
 void Page_Print_StandardMode() {
-    if (AppendOnPage(Command(0x0C)))
+    if (AppendOnPage(Command(kFf)))
         PageModeFlag = 0;
 }
 
 void Page_SetArea(int32_t x, int32_t y, int32_t width, int32_t height) {
-    AppendOnPage(Command(kEsc, 'W', LowByte(x), HighByte(x), LowByte(y), HighByte(y), LowByte(width), HighByte(width),
-                         LowByte(height), HighByte(height)));
+    AppendOnPage(Command(kEsc, 'W', LowByte(x), HighByte(x), LowByte(y), HighByte(y), LowByte(width),
+                         HighByte(width), LowByte(height), HighByte(height)));
 }
 
 void Page_SetDirection(int32_t n) {
-    if (n >= 0 && n <= 3)
+    if (InRange(n, 0, 3))
         AppendOnPage(Command(kEsc, 'T', n));
 }
 
 void Page_SetPosition(int32_t x, int32_t y) {
-    AppendOnPage(Command(kEsc, 'O', LowByte(x), HighByte(x), LowByte(y), HighByte(y)));
+    AppendOnPage(PositionCommand(x, y));
 }
 
 void Page_Newline() {
-    AppendOnPage(Command(0x0A));
+    AppendOnPage(Command(kLf));
 }
 
 void Page_DotFeed(int32_t n) {
@@ -82,9 +79,8 @@ void Page_LineFeed(int32_t n) {
 void Page_DrawBox(int32_t x, int32_t y, int32_t width, int32_t height, int32_t thickness) {
     if (PageModeFlag == 0)
         return;
-    AppendDirect({Command(kEsc, 'O', LowByte(x), HighByte(x), LowByte(y), HighByte(y)),
-                  Command(kGs, 'i', LowByte(width), HighByte(width), LowByte(height), HighByte(height),
-                          InRangeOrZero(thickness, 0, 255))});
+    AppendDirect({PositionCommand(x, y), Command(kGs, 'i', LowByte(width), HighByte(width), LowByte(height),
+                                                 HighByte(height), InRangeOrZero(thickness, 0, 255))});
 }
 
 void Page_DrawLine(int32_t x1, int32_t y1, int32_t x2, int32_t y2, int32_t thickness) {

@@ -16,22 +16,23 @@ constexpr int32_t SpoolTextLimit = 9999;
 // incomplete: the next bytes follow directly.
 Bytes SizeCommand(int32_t font) {
     static constexpr uint8_t commands[4][3] = {
-        {0x1D, '!', 0x00}, {0x1D, '!', 0x10}, {0x1D, '!', 0x01}, {0x1D, '!', 0x11}};
-    if (font < 0 || font > 3)
+        {kGs, '!', 0x00}, {kGs, '!', 0x10}, {kGs, '!', 0x01}, {kGs, '!', 0x11}};
+    if (!InRange(font, 0, 3))
         return Bytes(commands[0], 2);
     return commands[font];
 }
 
 int32_t AppendTextRun(Bytes text, int32_t font, int32_t bold) {
-    if (!AppendPieces({SizeCommand(font), Command(0x1B, 'E', bold != 0)}))
+    if (!AppendPieces({SizeCommand(font), Command(kEsc, 'E', bold != 0)}))
         return ERR_SPOOL_LIMIT;
     if (static_cast<int64_t>(text.size()) + SpoolLength > SpoolTextLimit) {
-        // Six, also where the font gave only five bytes: hosts rely on the spool length that this leaves. What was
-        // written stays behind it and enters the check value of a frame.
+        // Six, also where the font gave only five bytes: hosts rely on the spool length that this leaves.
+        // What was written stays behind it and enters the check value of a frame.
         SpoolLength -= 6;
         return ERR_SPOOL_LIMIT;
     }
-    return AppendPieces({text}) ? SpoolLength : static_cast<int32_t>(ERR_SPOOL_LIMIT);
+    AppendPieces({text});
+    return SpoolLength;
 }
 
 } // namespace
@@ -50,17 +51,19 @@ int32_t AppendAndStoreResult(std::initializer_list<Bytes> pieces) {
 }
 
 Bytes Convert(const char16_t *text) {
-    if (ConversionBuffer == nullptr)
+    ConversionStorage *const buffer = ConversionBuffer;
+    if (buffer == nullptr)
         return {};
-    ConversionBuffer->Clear();
+    buffer->Clear();
     if (text == nullptr)
         return {};
     const size_t length = std::char_traits<char16_t>::length(text);
     const size_t capacity = std::min<size_t>(length, kSpoolCapacity / 2) * 2;
-    // The conversion writes what it returns and no more; telling the buffer of that alone keeps clearing cheap.
-    const size_t written = platform::ToAnsi(text, length, ConversionBuffer->Write(0, 0), capacity);
-    ConversionBuffer->Write(0, static_cast<int32_t>(written));
-    return Bytes(ConversionBuffer->At(0), written);
+    // The conversion writes what it returns and no more; telling the buffer of that alone keeps clearing
+    // cheap.
+    const size_t written = platform::ToAnsi(text, length, buffer->Write(0, 0), capacity);
+    buffer->Write(0, static_cast<int32_t>(written));
+    return Bytes(buffer->At(0), written);
 }
 
 } // namespace nadrel
@@ -89,8 +92,9 @@ int32_t SaveSpool(const NadrelChar *text, int32_t font, int32_t bold) {
 }
 
 const char *U2A(const NadrelChar *text) {
+    const ConversionStorage *const buffer = ConversionBuffer;
     Convert(text);
-    return ConversionBuffer == nullptr ? nullptr : reinterpret_cast<const char *>(ConversionBuffer->At(0));
+    return buffer == nullptr ? nullptr : reinterpret_cast<const char *>(buffer->At(0));
 }
 
 void ClearSpool() {

@@ -4,18 +4,27 @@
 
 #include "api/NadrelPrinter.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <span>
 
-// Appending to the spool. Everything that is written to it goes through AppendPieces, which never leaves the storage.
+// Appending to the spool. Every command goes through AppendPieces, which never leaves the storage.
 namespace nadrel {
+
+// The control codes that commands begin with.
+inline constexpr uint8_t kLf = 0x0A;
+inline constexpr uint8_t kFf = 0x0C;
+inline constexpr uint8_t kCan = 0x18;
+inline constexpr uint8_t kEsc = 0x1B;
+inline constexpr uint8_t kGs = 0x1D;
 
 using Bytes = std::span<const uint8_t>;
 
 // A command in fixed bytes: Command(0x1B, 'J', n).
-template <typename... Values> constexpr auto Command(Values... values) {
+template <typename... Values>
+constexpr auto Command(Values... values) {
     struct Fixed {
         uint8_t bytes[sizeof...(Values)];
         constexpr operator Bytes() const { return bytes; }
@@ -23,21 +32,42 @@ template <typename... Values> constexpr auto Command(Values... values) {
     return Fixed{{static_cast<uint8_t>(values)...}};
 }
 
-// The two bytes of a 16-bit field: remainder and quotient of the signed value, each cut to a byte, so that -1 goes
-// out as FF 00. Hosts pass what they like; nothing is checked.
-constexpr uint8_t LowByte(int32_t value) { return static_cast<uint8_t>(value % 256); }
-constexpr uint8_t HighByte(int32_t value) { return static_cast<uint8_t>(value / 256); }
+// The two bytes of a 16-bit field: remainder and quotient of the signed value, each cut to a byte, so that -1
+// goes out as FF 00. Hosts pass what they like; nothing is checked.
+constexpr uint8_t LowByte(int32_t value) {
+    return static_cast<uint8_t>(value % 256);
+}
+constexpr uint8_t HighByte(int32_t value) {
+    return static_cast<uint8_t>(value / 256);
+}
 
-constexpr bool IsByte(int32_t value) { return value >= 0 && value <= 255; }
+constexpr bool InRange(int32_t value, int32_t lowest, int32_t highest) {
+    return value >= lowest && value <= highest;
+}
+constexpr bool IsByte(int32_t value) {
+    return InRange(value, 0, 255);
+}
 
 // `value` if it lies within the range, else 0, the byte that leaves the choice to the printer.
 constexpr uint8_t InRangeOrZero(int32_t value, int32_t lowest, int32_t highest) {
-    return value >= lowest && value <= highest ? static_cast<uint8_t>(value) : uint8_t{0};
+    return InRange(value, lowest, highest) ? static_cast<uint8_t>(value) : uint8_t{0};
 }
 
-// The capacity test of the direct appenders: made once, before the command, and strict, so that a command which
-// begins at the capacity is still written.
-inline bool SpoolIsPastCapacity() { return SpoolLength > kSpoolCapacity; }
+// A code table between 0 and `highest`, or 255, which printers use for a table of the user's own.
+constexpr bool IsCodeTable(int32_t table, int32_t highest) {
+    return table == 255 || InRange(table, 0, highest);
+}
+
+// ESC 'O': print position in dots.
+constexpr auto PositionCommand(int32_t x, int32_t y) {
+    return Command(kEsc, 'O', LowByte(x), HighByte(x), LowByte(y), HighByte(y));
+}
+
+// The capacity test of the direct appenders: made once, before the command, and strict, so that a command
+// which begins at the capacity is still written.
+inline bool SpoolIsPastCapacity() {
+    return SpoolLength > kSpoolCapacity;
+}
 
 // Appends all pieces or, where they would leave the storage, none. `end` is where they may end at most.
 inline bool AppendPieces(std::initializer_list<Bytes> pieces, int32_t end = SpoolStorage::kEnd) {
@@ -59,7 +89,9 @@ inline bool AppendDirect(std::initializer_list<Bytes> pieces) {
     return !SpoolIsPastCapacity() && AppendPieces(pieces);
 }
 
-inline bool AppendDirect(Bytes command) { return AppendDirect({command}); }
+inline bool AppendDirect(Bytes command) {
+    return AppendDirect({command});
+}
 
 // An appender's command through the link: the new spool length, ERR_NOT_CONNECTED or ERR_SPOOL_LIMIT.
 int32_t AppendThroughLink(std::initializer_list<Bytes> pieces);
@@ -68,12 +100,17 @@ int32_t AppendThroughLink(std::initializer_list<Bytes> pieces);
 // ERR_NOT_CONNECTED until the next connect or ClearSpool. Hosts test for it.
 int32_t AppendAndStoreResult(std::initializer_list<Bytes> pieces);
 
-// Converts text to the ANSI code page, into ConversionBuffer; empty while no link is open. It stands until the next
-// conversion.
+// Converts text to the ANSI code page, into ConversionBuffer; empty while no link is open. It stands until
+// the next conversion.
 Bytes Convert(const char16_t *text);
 
-// As many bytes of converted text as a command counts: its length keeps only the low 8 bits, so that a text of 256
-// bytes counts 0 and one of 300 counts 44.
-inline Bytes FirstCounted(Bytes text) { return text.first(text.size() & 0xFF); }
+// Appends ESC '2', the printer's default line spacing. No exported function sends it.
+void SetDefaultLineSpace();
+
+// As many bytes of converted text as a command counts: its length keeps only the low 8 bits, so that a text
+// of 256 bytes counts 0 and one of 300 counts 44.
+inline Bytes FirstCounted(Bytes text) {
+    return text.first(text.size() & 0xFF);
+}
 
 } // namespace nadrel

@@ -6,13 +6,6 @@ using namespace nadrel;
 
 namespace {
 
-constexpr uint8_t kEsc = 0x1B;
-constexpr uint8_t kGs = 0x1D;
-constexpr uint8_t kLf = 0x0A;
-
-// 255 is accepted besides the tables of a kind; printers use it for a user-defined table.
-constexpr int32_t kUserTable = 255;
-
 // A command with one parameter byte, left out when the parameter is none.
 void AppendIfByte(uint8_t letter, int32_t n) {
     if (IsByte(n))
@@ -20,21 +13,17 @@ void AppendIfByte(uint8_t letter, int32_t n) {
 }
 
 constexpr bool TableIsPermitted(int32_t table, uint32_t kind) {
-    if (kind > 2)
-        return false;
-    const int32_t highest = kind == 2 ? 50 : 5;
-    return table == kUserTable || (table >= 0 && table <= highest);
-}
-
-// Restores the printer's default line spacing. No exported function sends it.
-[[maybe_unused]] void SetDefaultLineSpace() {
-    AppendDirect(Command(kEsc, '2'));
+    return kind <= 2 && IsCodeTable(table, kind == 2 ? 50 : 5);
 }
 
 } // namespace
 
+void nadrel::SetDefaultLineSpace() {
+    AppendDirect(Command(kEsc, '2'));
+}
+
 int32_t SetPrintPosition(int32_t x, int32_t y) {
-    return AppendAndStoreResult({Command(kEsc, 'O', LowByte(x), HighByte(x), LowByte(y), HighByte(y))});
+    return AppendAndStoreResult({PositionCommand(x, y)});
 }
 
 void PrintData() {
@@ -72,7 +61,7 @@ void SetCharCodeTableEX(uint32_t table) {
 }
 
 void SetFontSize(int32_t n) {
-    if (n >= 0 && n <= 2)
+    if (InRange(n, 0, 2))
         AppendDirect(Command(kEsc, '!', n));
 }
 
@@ -95,7 +84,7 @@ void SetAbsPosition(int32_t pos) {
 }
 
 void SetTextAlignment(int32_t n) {
-    if (n >= 0 && n <= 3)
+    if (InRange(n, 0, 3))
         AppendDirect(Command(kEsc, 'a', n));
 }
 

@@ -6,10 +6,11 @@
 
 namespace nadrel {
 
-// `Capacity` bytes between two margins, addressed from -Margin to Capacity + Margin - 1. All are zero until written;
-// the buffer remembers a span that holds all that was written, so that clearing costs what was dirtied and no more.
-// Its initial state is all zero bits: a static one takes no room in the file.
-template <int32_t Capacity, int32_t Margin> class TrackedBuffer {
+// `Capacity` bytes between two margins, addressed from -Margin to Capacity + Margin - 1. All are zero until
+// written; the buffer remembers a span that holds all that was written, so that clearing costs what was
+// dirtied and no more. Its initial state is all zero bits: a static one takes no room in the file.
+template <int32_t Capacity, int32_t Margin>
+class TrackedBuffer {
   public:
     static constexpr int32_t kLowest = -Margin;
     static constexpr int32_t kEnd = Capacity + Margin;

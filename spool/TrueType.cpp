@@ -6,11 +6,9 @@ using namespace nadrel;
 
 namespace {
 
-constexpr uint8_t kEsc = 0x1B;
-
 constexpr auto kSelectFont = Command(kEsc, 'g', 'F');
 constexpr auto kNameEnd = Command(0);
-constexpr auto kTextEnd = Command(0, 0, 0x0A);
+constexpr auto kTextEnd = Command(0, 0, kLf);
 constexpr int32_t kTextHeaderLength = 5;
 
 // The printer takes UTF-16 high byte first, whatever the machine's own order is.
