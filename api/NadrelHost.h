@@ -21,7 +21,9 @@ typedef void (*NadrelNotificationHandler)(uint32_t message, uint32_t wParam, int
  * Sets who is told, with a value that is handed back as it is; NULL: nobody, and notifications are dropped.
  * It may be set before or after connecting and stays set. Handlers are called one at a time, in order, on one
  * thread of the library's own; a slow handler delays later calls, never the receiving. When the function
- * returns, the handler set before is not running any more, unless it is itself the caller.
+ * returns, the handler set before is not running any more, unless it is itself the caller: hold no lock that
+ * the handler waits for. The handler's code stays loaded while it is set. 10000 notifications wait at most;
+ * what comes while so many do is dropped. An exception that leaves a handler is swallowed.
  */
 NADREL_API void SetNotificationHandler(NadrelNotificationHandler handler, void *context);
 

@@ -48,9 +48,10 @@
  * overwritten by the next reply of the same kind: copy what you need when you are told.
  *
  * Threads. Call the library from one thread at a time; a notification handler may call while no other thread
- * does. Only ClosePrinter may come from a handler at any time: a sending call that waits on the other thread
- * then ends, and what that thread is composing is lost. Two threads of the library's own run while a link is
- * open: they take what the printer sends and classify it. They never touch the spool.
+ * does. ClosePrinter may also come from a handler while another thread waits in a sending call, which then
+ * ends, in a status query or connect, which ends with its next pause, or in ClosePrinter. Threads of the
+ * library's own run while a link is open: they take what the printer sends, classify it and tell the handler.
+ * They never touch the spool.
  *
  * Loading and unloading. Nothing happens at load but the start of socket support. An open link is not closed
  * at unload: call ClosePrinter.
@@ -61,8 +62,12 @@
 #include <stdint.h>
 
 #ifdef _WIN32
+#ifdef NADREL_BUILDING
+typedef char16_t NadrelChar; /* the library's own name for the same 16 bits */
+#else
 #include <wchar.h>
 typedef wchar_t NadrelChar;
+#endif
 #define NADREL_CALL __cdecl
 #ifdef NADREL_BUILDING
 #define NADREL_API __declspec(dllexport)
@@ -140,7 +145,10 @@ NADREL_API const char *NADREL_CALL U2A(const NadrelChar *text);
 /* Empties the spool: its length is 0, its bytes are 00. */
 NADREL_API void NADREL_CALL ClearSpool(void);
 
-/* The open serial port, NADREL_INVALID_HANDLE when there is none. It stays the library's: do not close it. */
+/*
+ * The open serial port, NADREL_INVALID_HANDLE when there is none; after ERR_SET_COMM_STATE and
+ * ERR_SET_TIMEOUTS the port that stays open, until the next connect. It stays the library's: do not close it.
+ */
 NADREL_API NadrelHandle NADREL_CALL GetPortHandle(void);
 
 /*
@@ -404,19 +412,20 @@ NADREL_API int32_t NADREL_CALL PrintSpoolForTTF(const NadrelChar *text, uint8_t 
 /*
  * SERIAL CONNECTION
  *
- * One link at a time. Connecting puts the spool, page mode and the macro mark back to their initial state,
- * also where it fails; so does closing. Port names on Linux are device paths; a leading \\.\ is ignored and
+ * One link at a time; a link that another thread is closing counts as open. Connecting puts the spool, page
+ * mode and the macro mark back to their initial state, unless it is refused because a link is open; so does
+ * closing. Port names on Linux are device paths; a leading \\.\ is ignored and
  * COM1 is /dev/ttyS0.
  *
  * The port is opened for this process alone, without flow control, DTR and RTS raised. Writing takes at most
- * 100 ms a byte.
+ * 100 ms a byte. baudRate: any that the driver takes, to within 3 percent; 0 gives ERR_SET_COMM_STATE.
  *
  * framed: non-zero sends everything in the framed form (see PrintSpool) and has the connect ask the printer
  * with the query frame 00 C0 51 C1, up to four times, 400 ms apart; a printer that gives no framed status
  * ends it with ERR_NO_ANSWER.
  *
  * Results: 1, or ERR_ALREADY_CONNECTED to ERR_NO_ANSWER. After ERR_SET_COMM_STATE and ERR_SET_TIMEOUTS the
- * port stays open, out of reach, until the process ends: it cannot be opened again.
+ * port stays open until the process ends: it cannot be opened again.
  */
 
 /*
@@ -464,8 +473,8 @@ NADREL_API int32_t NADREL_CALL ClosePrinterConnection(void);
 /*
  * One attempt of timeout / 1000 whole seconds: anything under 1000 polls once. The library's state is not put
  * back: spool, page mode and macro mark survive.
- * Result: 1; -1 the socket could not be made to wait or not to wait; -2 no connection in time, or refused; -3
- * a link is already open; -5 (ERR_NO_ANSWER).
+ * Result: 1; -1 the socket could not be made or waited for; -2 no connection in time, or refused; -3 a link
+ * is already open; -5 (ERR_NO_ANSWER).
  */
 NADREL_API int32_t NADREL_CALL InitWlanPrinter(const NadrelChar *address, uint32_t port, int32_t timeout,
                                                int32_t framed);
@@ -518,11 +527,14 @@ NADREL_API int32_t NADREL_CALL PrintSpool(int32_t clear);
  *          the framed replies of these numbers: 0
  *
  * length is the bytes at the address: at most 1024, card data at most 2048, what is longer is cut. Where
- * lParam is no address, length is that of the reply before. The buffer is overwritten by the next reply: copy
- * it in the handler.
+ * lParam is no address, length is that of the last text or pair reply. The buffer is overwritten by the next
+ * reply: copy it in the handler.
  *
- * A reply ends where no byte follows for 5 ms. Replies are looked at every 100 to 200 ms. A status byte 00 is
- * never told, one of 1B or 02 comes as 'D'.
+ * A reply ends where nothing more has arrived when the library has read up to it: a byte that comes later
+ * begins the next one. Replies are looked at about every 200 ms, card data 500 ms later. Outstanding requests
+ * claim a plain reply in the order model name, status, firmware version, print-out report, whatever the reply
+ * says; what none claims is dropped, but for the kinds above. A status byte 00 is never told, and one of 1B
+ * or 02 comes as 'N' or 'D'.
  */
 
 /*
@@ -532,8 +544,9 @@ NADREL_API int32_t NADREL_CALL PrintSpool(int32_t clear);
  */
 
 /*
- * 1B 76, framed 00 C0 51 C1. Asks timeout / 200 times, at least once, each time waiting 200 ms for any byte
- * to come; the status comes by notification. Result: 1 some byte came; -1 no link is open; -7 none came.
+ * 1B 76, framed 00 C0 51 C1. Asks timeout / 200 times, at least once, each time waiting 200 ms, and
+ * sees whether a byte other than FF has come; the status comes by notification, also one that comes later.
+ * Result: 1 one came; -1 no link is open; -7 none came.
  */
 NADREL_API int32_t NADREL_CALL GetPrinterStatus(int32_t timeout);
 
@@ -547,7 +560,8 @@ NADREL_API void NADREL_CALL GetPrinterModelName(void);
 NADREL_API void NADREL_CALL GetFirmwareVersion(void);
 
 /*
- * 1D 76 01 for mode 1, else 1D 76 00: has the printer report each print-out, or not; reports come as 'T'.
+ * 1D 76 01 for mode 1, else 1D 76 00: has the printer report each print-out, or not. The first report comes
+ * as 'T'; later ones do when they begin with '0' and no status query is outstanding, or when asked for again.
  * Result: 0; ERR_SPOOL_LIMIT, and nothing is sent, when the spool length is above 409600.
  */
 NADREL_API int32_t NADREL_CALL Set_PrintOutStatus(uint32_t mode);
@@ -574,7 +588,7 @@ NADREL_API int32_t NADREL_CALL CardCancel(void);
 /* 04 1B 4D 44 for a non-zero flag, else 04 1B 4D 43. */
 NADREL_API int32_t NADREL_CALL CardRead(int32_t flag);
 
-/* 02 43 31 31 00 00 03 for a non-zero flag, else 02 44 31 31 00 00 03: the reverse sense of CardRead's letters. */
+/* 02 43 31 31 00 00 03 for a non-zero flag, else 02 44 31 31 00 00 03: CardRead's letters, reversed. */
 NADREL_API int32_t NADREL_CALL CardRead_M(int32_t flag);
 
 /* 1B 4D 58, never framed. ERR_SPOOL_LIMIT, and nothing is sent, when the spool length is above 409600. */
@@ -604,7 +618,7 @@ NADREL_API int32_t NADREL_CALL SecuredCardCommend(const char *text);
 
 /*
  * 1B 6D and the low bytes of the eight characters. Result: 1; any other length is the result itself, and
- * nothing is sent.
+ * nothing is sent: a length of one gives 1 too.
  */
 NADREL_API int32_t NADREL_CALL SetTermialID(const NadrelChar *id);
 

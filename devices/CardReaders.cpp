@@ -52,8 +52,7 @@ int32_t CardRead_M(int32_t flag) {
 int32_t SecuredCardCancel() {
     if (SpoolIsPastCapacity())
         return ERR_SPOOL_LIMIT;
-    const auto request = Request(kEsc, 'M', 'X');
-    return WriteToLink(request.data(), static_cast<int32_t>(request.size()));
+    return WriteWhole(Request(kEsc, 'M', 'X'));
 }
 
 int32_t EnterSCRMode() {

@@ -1,6 +1,6 @@
 #include "api/NadrelPrinter.h"
 
-#include "link/Write.h"
+#include "devices/Request.h"
 
 #include <array>
 #include <cstddef>
@@ -55,7 +55,7 @@ int32_t SetTermialID(const NadrelChar *id) {
     std::array<uint8_t, 2 + kIdentifierLength> record = {0x1B, 'm'};
     for (size_t i = 0; i < kIdentifierLength; ++i)
         record[2 + i] = static_cast<uint8_t>(identifier[i] & 0xFF);
-    nadrel::WriteToLink(record.data(), static_cast<int32_t>(record.size()));
+    nadrel::WriteWhole(record);
     return kWritten;
 }
 
@@ -74,6 +74,6 @@ int32_t SetPaymentReq(uint32_t type, const NadrelChar *first, const NadrelChar *
     PackDigits(fields[0], bytes.subspan(kFirstAt, kFirstBytes));
     PackDigits(fields[1], bytes.subspan(kSecondAt, kSecondBytes));
     PackDigits(fields[2], bytes.subspan(kThirdAt, kThirdBytes));
-    nadrel::WriteToLink(record.data(), static_cast<int32_t>(record.size()));
+    nadrel::WriteWhole(record);
     return kWritten;
 }

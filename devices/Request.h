@@ -9,13 +9,16 @@
 
 namespace nadrel {
 
-// Sends a fixed request straight to the link, framed where the link is. Always 0.
+// Writes a request to the link as it is. Always 0.
+template <size_t Count>
+int32_t WriteWhole(const std::array<uint8_t, Count> &request) {
+    return WriteToLink(request.data(), static_cast<int32_t>(request.size()));
+}
+
+// Writes a fixed request to the link, framed where the link is. Always 0.
 template <size_t Count>
 int32_t SendRequest(const std::array<uint8_t, Count> &request) {
-    if (FramedMode == 0)
-        return WriteToLink(request.data(), static_cast<int32_t>(request.size()));
-    const auto frame = FrameRequest(request);
-    return WriteToLink(frame.data(), static_cast<int32_t>(frame.size()));
+    return FramedMode == 0 ? WriteWhole(request) : WriteWhole(FrameRequest(request));
 }
 
 template <typename... Values>

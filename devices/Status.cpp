@@ -2,7 +2,7 @@
 
 #include "devices/Request.h"
 #include "link/Connection.h"
-#include "platform/Clock.h"
+#include "link/Pacing.h"
 #include "spool/Spool.h"
 
 using namespace nadrel;
@@ -11,28 +11,28 @@ namespace {
 
 constexpr int32_t kNoLink = -1; // not ERR_NOT_CONNECTED: the status queries have a code of their own
 constexpr int32_t kNoAnswer = -7;
-constexpr uint8_t kArmed = 0xFF;
 
 void SendStatusQuery(uint8_t letter) {
-    const auto plain = Request(kEsc, letter);
     if (FramedMode != 0)
         WriteToLink(kQueryFrame, sizeof kQueryFrame);
     else
-        WriteToLink(plain.data(), static_cast<int32_t>(plain.size()));
+        WriteWhole(Request(kEsc, letter));
 }
 
 // Asks again at every attempt and learns only that some byte has come; what it says comes by notification.
 int32_t QueryStatus(uint8_t letter, int32_t timeout) {
-    platform::TimedEvent pause;
+    AttemptPause pause;
     if (!LinkIsOpen())
         return kNoLink;
     StatusPending = 1;
-    StatusCaptureByte = kArmed;
+    StatusCaptureByte = kCaptureArmed;
     for (int32_t attempts = AttemptsWithin(timeout); attempts > 0; --attempts) {
         SendStatusQuery(letter);
-        pause.Wait(kAttemptPauseMs);
-        if (StatusCaptureByte < kArmed)
+        pause.Wait();
+        if (StatusCaptureByte < kCaptureArmed)
             return NADREL_SUCCESS;
+        if (!LinkIsOpen()) // closed by another thread meanwhile
+            break;
     }
     return kNoAnswer;
 }

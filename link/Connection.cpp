@@ -72,8 +72,7 @@ int32_t CloseSerialLink() {
     platform::CloseNotifications();
     if (!closed)
         return 0;
-    // On a handle that is closed these do nothing to the line. Their order and place are what traces of the
-    // library have always shown.
+    // On a handle that is closed these do nothing to the line; hosts that trace the port see them so.
     platform::SignalPort(port, platform::PortSignal::clearDtr);
     platform::SignalPort(port, platform::PortSignal::clearRts);
     platform::PurgePort(port, platform::kPurgeAll);
@@ -87,6 +86,21 @@ int32_t CloseWirelessLink() {
     DisposeOfSocket();
     platform::CloseNotifications();
     return FinishClose();
+}
+
+int32_t CloseOpenLink() {
+    if (SerialPortHandle != platform::kInvalidPort && SerialLinkOpen.Exchange(0) != 0)
+        return CloseSerialLink();
+    if (WirelessLinkOpen.Exchange(0) != 0)
+        return CloseWirelessLink();
+    return 0;
+}
+
+// Another thread is closing the link: nothing of it runs any more when this returns. A notification handler does not
+// wait, because that thread waits for the handler.
+void AwaitOtherClose() {
+    while (!platform::WithinNotification() && LinkClosing.Acquire() != 0)
+        platform::Sleep(1);
 }
 
 } // namespace
@@ -105,7 +119,9 @@ void DisposeOfSocket() {
 }
 
 void StartReceiveSide() {
-    if (ReceiveQueue == nullptr)
+    if (ReceiveQueue != nullptr)
+        ReceiveQueue->Reset(); // left by a close whose port would not close
+    else
         ReceiveQueue = new (std::nothrow) ReceiveRing;
     NotifyMessageId = platform::RegisterNotification(u"NADREL_PRT_OK");
     platform::OpenNotifications();
@@ -127,6 +143,8 @@ int32_t ProbePrinter() {
         platform::Sleep(kProbePauseMs);
         if (FramedStatusSeen != 0)
             return NADREL_SUCCESS;
+        if (!LinkIsOpen()) // closed by a notification handler
+            return ERR_NO_ANSWER;
     }
     ClosePrinter();
     return ERR_NO_ANSWER;
@@ -137,11 +155,15 @@ int32_t ProbePrinter() {
 using namespace nadrel;
 
 int32_t ClosePrinter() {
-    if (SerialPortHandle != platform::kInvalidPort && SerialLinkOpen.Exchange(0) != 0)
-        return CloseSerialLink();
-    if (WirelessLinkOpen.Exchange(0) != 0)
-        return CloseWirelessLink();
-    return 0;
+    if (!LinkIsTaken())
+        return 0;
+    if (LinkClosing.Exchange(1) != 0) {
+        AwaitOtherClose();
+        return 0;
+    }
+    const int32_t result = CloseOpenLink();
+    LinkClosing.Exchange(0);
+    return result;
 }
 
 int32_t ClosePrinterConnection() {

@@ -2,16 +2,8 @@
 
 #include <cstdint>
 
-// What the serial and the wireless connection have in common: refusing, pacing, the receive side, the probe.
+// What the serial and the wireless connection have in common: the receive side, the probe, failing.
 namespace nadrel {
-
-// How often, and how far apart, a connect tries and a status query asks.
-inline constexpr uint32_t kAttemptPauseMs = 200;
-
-// The attempts that a host's time-out in milliseconds stands for: at least one.
-constexpr int32_t AttemptsWithin(int32_t timeoutMs) {
-    return (timeoutMs < 200 ? 200 : timeoutMs) / 200;
-}
 
 // Creates the conversion buffer, zeroed, and with it the possibility to take text.
 void CreateConversionBuffer();
@@ -30,7 +22,7 @@ int32_t FailConnect(int32_t result);
 // Gives back the socket of a wireless connect, with its handle if that is still open.
 void DisposeOfSocket();
 
-// Runs a connect's body: no exception leaves it, 0 stands for one.
+// Runs the body of an exported function: no exception leaves it, 0 stands for one.
 template <typename Body>
 int32_t Guarded(Body body) {
     try {

@@ -7,13 +7,12 @@
 namespace nadrel {
 namespace {
 
-constexpr uint8_t kArmed = 0xFF;
 constexpr uint32_t kChunk = 255;
 constexpr uint32_t kPollPauseMs = 1;
 
 // The first byte since a status query armed the capture.
 void CaptureStatus(uint8_t byte) {
-    if (StatusCaptureByte == kArmed)
+    if (StatusCaptureByte == kCaptureArmed)
         StatusCaptureByte = byte;
 }
 

@@ -58,24 +58,25 @@ void PostTextReply(uint8_t first, uint8_t kind) {
     Post(kind, reply.Length(), AddressOf(ResponseBuffer));
 }
 
-void PostPairReply(uint8_t first, uint8_t second) {
-    ReplyWriter reply(ResponseBuffer);
+// Two lead bytes and the rest of the queue, zeros kept; the length stored.
+template <typename Buffer>
+int32_t StorePair(Buffer &buffer, uint8_t first, uint8_t second) {
+    ReplyWriter reply(buffer);
     reply.Store(first);
     reply.Store(second);
     for (uint8_t byte = 0; NextByte(byte);)
         reply.Store(byte);
-    ResponseLength = reply.Length();
-    Post('D', reply.Length(), AddressOf(ResponseBuffer));
+    return reply.Length();
+}
+
+void PostPairReply(uint8_t first, uint8_t second) {
+    ResponseLength = StorePair(ResponseBuffer, first, second);
+    Post('D', ResponseLength, AddressOf(ResponseBuffer));
 }
 
 // ResponseLength keeps the length of the last text or pair reply.
 void PostCardData(uint8_t first, uint8_t second) {
-    ReplyWriter reply(CardDataBuffer);
-    reply.Store(first);
-    reply.Store(second);
-    for (uint8_t byte = 0; NextByte(byte);)
-        reply.Store(byte);
-    Post('N', reply.Length(), AddressOf(CardDataBuffer));
+    Post('N', StorePair(CardDataBuffer, first, second), AddressOf(CardDataBuffer));
 }
 
 void PostFramedStatus() {
@@ -114,6 +115,12 @@ void HandleFramedReply() {
     }
 }
 
+// A reply settles the request that it answers.
+void PostRequestedReply(SharedFlag &request, uint8_t first, uint8_t kind) {
+    request = 0;
+    PostTextReply(first, kind);
+}
+
 OutstandingRequests Outstanding() {
     return {ModelNamePending == 1, StatusPending == 1, FirmwarePending == 1, PrintOutStatusArmed == 1,
             FramedMode != 0};
@@ -135,26 +142,22 @@ void HandleReply(uint8_t first, uint8_t second) {
         PostPairReply(first, second);
         break;
     case ReplyClass::modelName:
-        ModelNamePending = 0;
-        PostTextReply(first, 'D');
+        PostRequestedReply(ModelNamePending, first, 'D');
         break;
     case ReplyClass::status:
-        StatusPending = 0;
-        PostTextReply(first, 'S');
+        PostRequestedReply(StatusPending, first, 'S');
         break;
     case ReplyClass::firmware:
-        FirmwarePending = 0;
-        PostTextReply(first, 'D');
+        PostRequestedReply(FirmwarePending, first, 'D');
         break;
     case ReplyClass::printOut:
-        PrintOutStatusArmed = 0;
-        PostTextReply(first, 'T');
+        PostRequestedReply(PrintOutStatusArmed, first, 'T');
         break;
     }
     platform::Sleep(kReplyPauseMs);
 }
 
-bool SomeLinkIsOpen() {
+bool SomethingToRead() {
     return (SerialLinkOpen != 0 && SerialPortHandle != platform::kInvalidPort) || WirelessLinkOpen != 0;
 }
 
@@ -162,7 +165,7 @@ bool SomeLinkIsOpen() {
 
 uint32_t ParserThreadBody() {
     uint8_t second = 0; // of the last pair: a pair whose second byte is late is taken with the one before
-    while (SomeLinkIsOpen()) {
+    while (SomethingToRead()) {
         platform::Sleep(kPassPauseMs);
         if (ReceiveThreadRunning == 0)
             return 0;

@@ -1,7 +1,7 @@
 #include "api/NadrelPrinter.h"
 
 #include "link/Connection.h"
-#include "platform/Clock.h"
+#include "link/Pacing.h"
 #include "platform/TextConversion.h"
 #include "spool/State.h"
 
@@ -65,8 +65,8 @@ int32_t LinkUp(const SerialOptions &options) {
     return ProbePrinter();
 }
 
-// From the opened port to the link. A port that does not take its settings stays open, in SerialPortHandle
-// and out of the host's reach: the next exclusive open of it fails, and hosts know that as a sign to restart.
+// From the opened port to the link. A port that does not take its settings stays open, in SerialPortHandle: the next
+// exclusive open of it fails.
 int32_t ConfigurePort(const SerialOptions &options) {
     if (!ApplyLineSettings(options))
         return FailConnect(ERR_SET_COMM_STATE);
@@ -81,18 +81,18 @@ int32_t ConfigurePort(const SerialOptions &options) {
     return LinkUp(options);
 }
 
-platform::PortHandle OpenWithin(platform::TimedEvent &pause, const char16_t *port, int32_t attempts) {
+platform::PortHandle OpenWithin(AttemptPause &pause, const char16_t *port, int32_t attempts) {
     platform::PortHandle handle = platform::kInvalidPort;
     for (int32_t attempt = 0; attempt < attempts && handle == platform::kInvalidPort; ++attempt) {
-        pause.Wait(kAttemptPauseMs);
+        pause.Wait();
         handle = platform::OpenPort(port, platform::PortAccess::overlapped);
     }
     return handle;
 }
 
 int32_t ConnectPatiently(const char16_t *port, int32_t openTimeout, const SerialOptions &options) {
-    platform::TimedEvent pause;
-    if (LinkIsOpen())
+    AttemptPause pause;
+    if (LinkIsTaken())
         return ERR_ALREADY_CONNECTED;
     ResetLinkState();
     ResetCounters();
@@ -116,7 +116,7 @@ int32_t InitPrinter(const NadrelChar *port, uint32_t baudRate, int32_t framed) {
         if (port == nullptr)
             return 0;
         FramedMode = framed; // also where the call is refused
-        if (LinkIsOpen())
+        if (LinkIsTaken())
             return ERR_ALREADY_CONNECTED;
         ResetLinkState();
         ResetCounters();

@@ -2,7 +2,7 @@
 
 #include "link/Connection.h"
 #include "link/MySocket.h"
-#include "platform/Clock.h"
+#include "link/Pacing.h"
 #include "spool/State.h"
 
 #include <new>
@@ -22,10 +22,10 @@ enum ConnectWirelessResult : int32_t {
 };
 
 constexpr int32_t kPollMicroseconds = 200;
-constexpr int32_t kAgain = 0; // an attempt that leads to another
 
 // What goes wrong in here shows later, as a socket that cannot be waited for or is never writable.
 MySocket &CreateSocket() {
+    DisposeOfSocket(); // what a connect that ran out of memory has left
     auto *const socket = new MySocket;
     WirelessSocket = socket;
     platform::StartSocketSupport();
@@ -60,7 +60,7 @@ int32_t LinkUp(const MySocket &socket) {
 }
 
 int32_t InitWlan(const char16_t *address, uint32_t port, int32_t timeout, int32_t framed) {
-    if (LinkIsOpen())
+    if (LinkIsTaken())
         return kWlanAlreadyConnected;
     FramedMode = framed;
     ResetCounters();
@@ -93,19 +93,19 @@ int32_t Attempt(MySocket &socket, const char16_t *address, uint32_t port) {
     return writable ? static_cast<int32_t>(NADREL_SUCCESS) : static_cast<int32_t>(kWirelessNotWritable);
 }
 
-int32_t AttemptWithin(platform::TimedEvent &pause, MySocket &socket, const char16_t *address, uint32_t port,
+int32_t AttemptWithin(AttemptPause &pause, MySocket &socket, const char16_t *address, uint32_t port,
                       int32_t attempts) {
-    int32_t result = kAgain;
+    int32_t result = kWirelessTimedOut;
     for (int32_t attempt = 0; attempt < attempts && result != NADREL_SUCCESS; ++attempt) {
-        pause.Wait(kAttemptPauseMs);
+        pause.Wait();
         result = Attempt(socket, address, port);
     }
     return result;
 }
 
 int32_t ConnectWireless(const char16_t *address, uint32_t port, int32_t timeout, int32_t framed) {
-    platform::TimedEvent pause;
-    if (LinkIsOpen())
+    AttemptPause pause;
+    if (LinkIsTaken())
         return kWirelessAlreadyConnected;
     ResetLinkState();
     ResetCounters();

@@ -21,12 +21,12 @@ void Account(bool accepted, uint32_t asked, uint32_t taken) {
 int32_t WriteToLink(const uint8_t *bytes, int32_t count) {
     const Sending sending;
     const uint32_t asked = static_cast<uint32_t>(count);
-    if (SerialLinkOpen != 0) {
+    if (SerialLinkOpen.Acquire() != 0) {
         uint32_t taken = 0;
         const bool accepted = platform::WritePort(SerialPortHandle, bytes, asked, taken);
         Account(accepted, asked, taken);
     }
-    if (WirelessLinkOpen != 0) {
+    if (WirelessLinkOpen.Acquire() != 0) {
         uint32_t taken = 0;
         const bool accepted = platform::Send(LinkSocket, bytes, asked, taken) >= 0;
         Account(accepted, asked, taken);

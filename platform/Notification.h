@@ -20,4 +20,7 @@ void PostNotification(uint32_t message, uint32_t wParam, intptr_t lParam);
 // dropped; called by a listener itself, only its own current call goes on.
 void CloseNotifications();
 
+// Whether the calling thread is telling a listener just now: the call comes from within one.
+bool WithinNotification();
+
 } // namespace platform

@@ -74,9 +74,9 @@ bool SetPortTimeouts(PortHandle port, const PortTimeouts &timeouts);
 // Setting PortEvents::none releases a thread in WaitPortEvent.
 bool SetPortEvents(PortHandle port, PortEvents events);
 
-// Blocks until a character has been received, or the events are set to none, or the port is closed. `events`
-// is what happened: none when released. A device that has gone fails after a pause, so that callers may
-// simply ask again. A terminated thread leaves here.
+// Blocks until a character has been received, or the events are set to none, or the port is closed, which is
+// a failure. `events` is what happened: none when released. A device that has gone, or a handle that is not
+// open, fails after a pause, so that callers may simply ask again. A terminated thread leaves here.
 bool WaitPortEvent(PortHandle port, PortEvents &events);
 
 // Reads up to `count` bytes within the read time-outs; `got` is 0 when none came in time. A terminated thread

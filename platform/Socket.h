@@ -28,8 +28,8 @@ class CAsyncSocket {
     CAsyncSocket(const CAsyncSocket &) = delete;
     CAsyncSocket &operator=(const CAsyncSocket &) = delete;
 
-    // Makes the handle, bound to any local port when `port` is 0 and any local address when `address` is
-    // null. Non-zero on success.
+    // Makes the handle of a stream, bound to any local port and address: 0 for another type, another `port`
+    // than 0 or another `address` than null. Non-zero on success.
     int32_t Create(uint32_t port, int32_t type, int32_t events, const char16_t *address);
 
     // nonBlocking with 1 makes Connect return at once, with 0 makes Send and Receive wait. Non-zero on

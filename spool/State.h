@@ -12,8 +12,8 @@
 
 // Every variable that is one for the process, with its initial value and who writes it. What two threads
 // touch while a link is open is a word-sized atomic, read and written relaxed: the threads and the host may
-// see each other's flags late, as hosts have always had it. Nothing is destroyed at exit: a host may exit
-// with the link open and the threads running.
+// see each other's flags late, which the pauses of both allow for. Nothing is destroyed at exit: a host may
+// exit with the link open and the threads running.
 namespace nadrel {
 
 inline constexpr int32_t kSpoolCapacity = 409600;
@@ -38,9 +38,11 @@ class SharedWord {
     operator T() const { return value.load(std::memory_order_relaxed); }
     void operator=(T next) { value.store(next, std::memory_order_relaxed); }
     // Sets the value and tells the one before; of two threads that ask, one sees it.
-    T Exchange(T next) { return value.exchange(next, std::memory_order_acq_rel); }
-    void Add(T amount) { value.fetch_add(amount, std::memory_order_acq_rel); }
-    T Acquire() const { return value.load(std::memory_order_acquire); }
+    T Exchange(T next) { return value.exchange(next); }
+    void Add(T amount) { value.fetch_add(amount); }
+    // In one order with Exchange and Add: of a call that announces itself and then looks whether the link is
+    // open, and a close that takes the flag and then looks for calls, one sees the other.
+    T Acquire() const { return value.load(); }
 
   private:
     std::atomic<T> value;
@@ -88,6 +90,8 @@ inline constinit SharedWord<MySocket *> WirelessSocket = nullptr;
 inline constinit SharedWord<uint32_t> LastLinkError = 0;
 // Calls that hold the spool or the link while they send.
 inline constinit SharedFlag SendingCalls = 0;
+// While a link is being closed, by whichever thread: no link is opened then.
+inline constinit SharedFlag LinkClosing = 0;
 
 // Receive side.
 
@@ -103,7 +107,8 @@ inline constinit SharedFlag FirmwarePending = 0;
 inline constinit SharedFlag PrintOutStatusArmed = 0;
 // Parser; host clears at connect and close.
 inline constinit SharedFlag ResponseLength = 0;
-// Host arms it with FF; receive thread: the first byte since.
+// Host arms it; receive thread: the first byte since. A byte FF leaves it armed.
+inline constexpr uint8_t kCaptureArmed = 0xFF;
 inline constinit SharedWord<uint8_t> StatusCaptureByte = 0;
 // Receive thread: its one byte from a serial port.
 inline constinit uint8_t ReadByte = 0;
@@ -126,7 +131,12 @@ inline constinit LinkCounters Counters;
 
 // Whether either link is open.
 inline bool LinkIsOpen() {
-    return SerialLinkOpen != 0 || WirelessLinkOpen != 0;
+    return SerialLinkOpen.Acquire() != 0 || WirelessLinkOpen.Acquire() != 0;
+}
+
+// Whether a connect has to be refused: a link is open, or is still being closed by another thread.
+inline bool LinkIsTaken() {
+    return LinkIsOpen() || LinkClosing.Acquire() != 0;
 }
 
 // Puts the link, the spool and the receive side back to their initial values. FramedMode, LastLinkError,
