@@ -74,7 +74,8 @@ inline bool AppendPieces(std::initializer_list<Bytes> pieces, int32_t end = Spoo
     size_t total = 0;
     for (const Bytes &piece : pieces)
         total += piece.size();
-    if (total > static_cast<size_t>(end) || !SpoolStorage::Holds(SpoolLength, static_cast<int64_t>(total)) ||
+    constexpr size_t kWhole = SpoolStorage::kEnd - SpoolStorage::kLowest;
+    if (total > kWhole || !SpoolStorage::Holds(SpoolLength, static_cast<int64_t>(total)) ||
         SpoolLength > end - static_cast<int32_t>(total))
         return false;
     uint8_t *to = SpoolBuffer.Write(SpoolLength, static_cast<int32_t>(total));

@@ -1,0 +1,12 @@
+include(${CMAKE_CURRENT_LIST_DIR}/NameLists.cmake)
+
+set(declared "")
+foreach(header NadrelPrinter NadrelHost)
+    file(READ ${API}/${header}.h text)
+    string(REGEX MATCHALL "\nNADREL_API [^(;]*\\(" heads "${text}")
+    list(TRANSFORM heads REPLACE "^.*[ *]([A-Za-z0-9_]+)\\($" "\\1")
+    list(APPEND declared ${heads})
+endforeach()
+list(SORT declared)
+nadrel_listed_names(listed)
+nadrel_require_equal("The declared names" "${declared}" "${listed}")

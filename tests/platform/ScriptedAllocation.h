@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstddef>
+
+// Memory that runs out when a test wants it to.
+namespace scripted::allocation {
+
+// The next allocation of a size within the range, by the calling thread, fails.
+void FailNext(size_t atLeast, size_t atMost);
+
+// No allocation fails.
+void Allow();
+
+} // namespace scripted::allocation
+
+namespace nadrel {
+namespace allocation = scripted::allocation;
+}

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstdint>
+
+namespace scripted {
+
+// What LastError answers on the calling thread.
+void SetLastError(uint32_t error);
+
+} // namespace scripted
