@@ -5,7 +5,7 @@ using namespace endtoend;
 namespace {
 
 class LinkReports : public OnEveryLink {};
-NADREL_ON_EVERY_LINK(LinkReports);
+NADREL_IN_BOTH_FORMS(LinkReports);
 
 } // namespace
 

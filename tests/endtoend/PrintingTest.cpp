@@ -51,6 +51,9 @@ class RawPrinting : public OnEveryLink {
 };
 NADREL_ON_EVERY_LINK(RawPrinting);
 
+class RawSpool : public RawPrinting {};
+NADREL_IN_BOTH_FORMS(RawSpool);
+
 class FramedPrinting : public OnEveryMedium {};
 NADREL_ON_EVERY_MEDIUM(FramedPrinting);
 
@@ -123,7 +126,7 @@ TEST_P(FramedPrinting, SendsNothingOfASpoolWhoseFrameWouldBeTooLong) {
     EXPECT_EQ(peer.Await(11), (Bytes{0x00, 0xC0, 'D', '1', '0', '0', '0', '0', 0x00, 0x00, 0xC1}));
 }
 
-TEST_P(RawPrinting, SendsTheSameTwiceWhereTheSpoolIsKept) {
+TEST_P(RawSpool, SendsTheSameTwiceWhereTheSpoolIsKept) {
     ASSERT_EQ(peer.Connect(GetParam().form), 1);
     InitPrinterStatus();
     EXPECT_EQ(PrintSpool(0), 1);
@@ -133,7 +136,7 @@ TEST_P(RawPrinting, SendsTheSameTwiceWhereTheSpoolIsKept) {
     EXPECT_EQ(Sent(2 * once.size()), once + once);
 }
 
-TEST_P(RawPrinting, SendsWhatWasAppendedSinceASpoolThatWasCleared) {
+TEST_P(RawSpool, SendsWhatWasAppendedSinceASpoolThatWasCleared) {
     ASSERT_EQ(peer.Connect(GetParam().form), 1);
     PrintLineFeed(3);
     EXPECT_EQ(PrintSpool(1), 1);
@@ -146,7 +149,7 @@ TEST_P(RawPrinting, SendsWhatWasAppendedSinceASpoolThatWasCleared) {
     EXPECT_EQ(Sent(expected.size()), expected);
 }
 
-TEST_P(RawPrinting, ConvertsTextToTheCodePageThatIsSet) {
+TEST_P(RawSpool, ConvertsTextToTheCodePageThatIsSet) {
     ASSERT_EQ(peer.Connect(GetParam().form), 1);
     TextSaveSpool(u"\u20AC");
     ASSERT_EQ(SetAnsiCodePage(866), 1);

@@ -90,12 +90,12 @@ TEST_F(SerialConnection, KeepsThePortWhenItDoesNotTakeTheSettings) {
 
 TEST_F(SerialConnection, TakesAPortForItselfAlone) {
     ASSERT_TRUE(Open({Medium::serial, Form::plain}));
-    Process other(NADREL_TOOL_PROGRAM, {"status", "--serial", Printer().SerialPath()}, folder.Path() / "other");
-    EXPECT_EQ(other.Wait(), 1);
-    EXPECT_EQ(other.Output(), "");
+    const auto anotherOpens = [this] {
+        return Process(NADREL_HOST_PROGRAM, {"print", "serial", Printer().SerialPath()}, folder.Path() / "host").Wait();
+    };
+    EXPECT_EQ(anotherOpens(), 11);
     EXPECT_EQ(ClosePrinter(), 1);
-    Process next(NADREL_TOOL_PROGRAM, {"status", "--serial", Printer().SerialPath()}, folder.Path() / "next");
-    EXPECT_EQ(next.Wait(), 0) << next.Errors();
+    EXPECT_EQ(anotherOpens(), 0);
 }
 
 TEST_F(SerialConnection, EndsAFramedConnectAfterFourQueryFramesWithoutAnswer) {

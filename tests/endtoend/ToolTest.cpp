@@ -26,6 +26,9 @@ class Tool : public OnEveryMedium {
 };
 NADREL_ON_EVERY_MEDIUM(Tool);
 
+class FramedTool : public Tool {};
+INSTANTIATE_TEST_SUITE_P(, FramedTool, testing::Values(Medium::tcp), ParameterName<Medium>);
+
 // Some megabytes: more than the system keeps on the way to a printer.
 std::string LargeJob() {
     std::string job;
@@ -47,7 +50,7 @@ TEST_P(Tool, RunsAJob) {
     EXPECT_TRUE(HasListed("LF"));
 }
 
-TEST_P(Tool, RunsAJobInTheFramedForm) {
+TEST_P(FramedTool, RunsAJob) {
     StartPrinter();
     Process tool = OnLink({"run", "--framed", JobFile("TextSaveSpool(\"framed\")\nPrintData()\n")});
     EXPECT_EQ(tool.Wait(), 0) << tool.Errors();
@@ -65,7 +68,7 @@ TEST_P(Tool, TellsTheStatusOfAPrinterThatAnswers) {
                              "firmware  VP 1.0\n");
 }
 
-TEST_P(Tool, TellsTheStatusInTheFramedForm) {
+TEST_P(FramedTool, TellsTheStatus) {
     StartPrinter({"--paper-out"});
     Process tool = OnLink({"status", "--framed"});
     EXPECT_EQ(tool.Wait(), 0) << tool.Errors();
