@@ -2,6 +2,7 @@
 
 #include "api/NadrelPrinter.h"
 
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
@@ -11,8 +12,8 @@
 
 namespace bench {
 
-// An open link to a printer that takes everything at once and says nothing. Ends the program where there is
-// none.
+// An open link to a printer that takes everything at once and says nothing but what it is told to. Ends the
+// program where there is none.
 class PseudoTerminalLink {
   public:
     PseudoTerminalLink() : master(posix_openpt(O_RDWR | O_NOCTTY)) {
@@ -33,6 +34,19 @@ class PseudoTerminalLink {
     }
     PseudoTerminalLink(const PseudoTerminalLink &) = delete;
     PseudoTerminalLink &operator=(const PseudoTerminalLink &) = delete;
+
+    // Sends the library what a printer might; false when the link is gone.
+    bool Say(const void *bytes, size_t count) const {
+        const char *next = static_cast<const char *>(bytes);
+        while (count > 0) {
+            const ssize_t sent = write(master, next, count);
+            if (sent <= 0)
+                return false;
+            next += sent;
+            count -= static_cast<size_t>(sent);
+        }
+        return true;
+    }
 
   private:
     static bool Connect(const std::string &port) {

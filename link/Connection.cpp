@@ -48,6 +48,7 @@ void AwaitSendingCalls() {
 
 void ReleaseBuffers() {
     ConversionBuffer = nullptr;
+    ConversionStore.Clear();
     if (ReceiveQueue != nullptr)
         ReceiveQueue->Reset(); // card data does not stay behind in freed memory
     delete ReceiveQueue;
@@ -96,8 +97,8 @@ int32_t CloseOpenLink() {
     return 0;
 }
 
-// Another thread is closing the link: nothing of it runs any more when this returns. A notification handler does not
-// wait, because that thread waits for the handler.
+// Another thread is closing the link: nothing of it runs any more when this returns. A notification handler
+// does not wait, because that thread waits for the handler.
 void AwaitOtherClose() {
     while (!platform::WithinNotification() && LinkClosing.Acquire() != 0)
         platform::Sleep(1);

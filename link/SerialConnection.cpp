@@ -65,8 +65,8 @@ int32_t LinkUp(const SerialOptions &options) {
     return ProbePrinter();
 }
 
-// From the opened port to the link. A port that does not take its settings stays open, in SerialPortHandle: the next
-// exclusive open of it fails.
+// From the opened port to the link. A port that does not take its settings stays open, in SerialPortHandle:
+// the next exclusive open of it fails.
 int32_t ConfigurePort(const SerialOptions &options) {
     if (!ApplyLineSettings(options))
         return FailConnect(ERR_SET_COMM_STATE);

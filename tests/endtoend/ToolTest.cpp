@@ -1,8 +1,9 @@
 #include "tests/endtoend/EndToEnd.h"
 
+#include <gmock/gmock.h>
+
 #include <csignal>
 #include <fstream>
-#include <regex>
 
 using namespace endtoend;
 
@@ -92,10 +93,10 @@ TEST_P(Tool, ListensForASwipeUntilItIsInterrupted) {
     ASSERT_TRUE(HasListed("enter card reader mode 'D'"));
     Printer().Say("swipe");
     ASSERT_TRUE(Eventually([&] { return tool.Output().ends_with("\n"); }));
-    const std::regex line("\\d\\d:\\d\\d:\\d\\d\\.\\d\\d\\d  N    98    \"\\.\\.\\.\\$\\.;5000000000000009=30121010000000000\\?"
-                          "\\.5\\.;015000000000000009=7247240000000000000030300099010=\\?\\.\"  1B 02 02 24 00 3B [0-9A-F ]*"
-                          " 3F 00\n");
-    EXPECT_TRUE(std::regex_match(tool.Output(), line)) << tool.Output();
+    EXPECT_THAT(tool.Output(),
+                testing::MatchesRegex("[0-9:]{8}\\.[0-9]{3}  N    98    \"\\.\\.\\.\\$\\.;5000000000000009=30121010000000000\\?"
+                                      "\\.5\\.;015000000000000009=7247240000000000000030300099010=\\?\\.\""
+                                      "  1B 02 02 24 00 3B [0-9A-F ]* 3F 00\n"));
     tool.Signal(SIGINT);
     EXPECT_EQ(tool.Wait(), 0) << tool.Errors();
     EXPECT_TRUE(HasListed("cancel card reading"));
@@ -115,8 +116,8 @@ TEST_P(Tool, SaysThatNotEveryByteOfAJobWasSent) {
     const std::string job = JobFile(LargeJob());
     Process tool = OnLink({"run", job});
     EXPECT_EQ(tool.Wait(), 1);
-    const std::regex sentence("[^ ]+: only \\d+ of 20000000 bytes were sent: [A-Z][a-z/ ]+\n");
-    EXPECT_TRUE(std::regex_match(tool.Errors(), sentence)) << tool.Errors();
+    EXPECT_THAT(tool.Errors(),
+                testing::MatchesRegex("[^ ]+: only [0-9]+ of 20000000 bytes were sent: [A-Z][a-z/ ]+\n"));
 }
 
 TEST_P(Tool, WritesWhatItWouldSendInHexadecimal) {

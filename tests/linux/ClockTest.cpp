@@ -31,6 +31,16 @@ TEST(Clock, SignalsNeitherShortenNorProlongASleep) {
     EXPECT_GT(SignalStorm::Count(), before);
 }
 
+TEST(Clock, WithoutDescriptorsASleepIsAsLongAndUsesNoMoreProcessorTime) {
+    const NoDescriptorsLeft none;
+    const double before = ThreadCpuTime();
+    const Stopwatch watch;
+    platform::Sleep(200);
+    EXPECT_GE(watch.Elapsed(), 200);
+    EXPECT_LT(watch.Elapsed(), 5'000);
+    EXPECT_LT(ThreadCpuTime() - before, 100);
+}
+
 TEST(Clock, ATimedEventIsAPause) {
     platform::TimedEvent event;
     const Stopwatch watch;

@@ -99,6 +99,9 @@ class Listener {
     // From now on connections are accepted, where they were refused.
     void Listen() { listen(listening, 64); }
 
+    // For connections from now on. The system opens a window that was shut by a sixteenth of this at least.
+    void LimitReceiveBuffer(int bytes) { setsockopt(listening, SOL_SOCKET, SO_RCVBUF, &bytes, sizeof bytes); }
+
     // Waits for the next connection.
     Peer Accept() const {
         pollfd waited = {listening, POLLIN, 0};

@@ -332,6 +332,23 @@ TEST(Notification, AnExceptionFromTheHandlerEndsOnlyThatCall) {
     EXPECT_TRUE(host.AwaitHeard(2));
 }
 
+TEST(Notification, OnlyTheHandlersOwnThreadIsWithinANotification) {
+    Door door;
+    std::atomic<bool> within = false;
+    Host host([&](const Told &) {
+        within = platform::WithinNotification();
+        door.Pass();
+    });
+    OpenNotifications();
+    PostNotification(1, 1, 0);
+    ASSERT_TRUE(door.AwaitSomebody());
+    EXPECT_TRUE(within);
+    EXPECT_FALSE(platform::WithinNotification()) << "while the handler runs elsewhere";
+    door.Open();
+    CloseNotifications();
+    EXPECT_FALSE(platform::WithinNotification());
+}
+
 TEST(Notification, TheHandlerRunsOnAThreadThatTakesNoSignals) {
     std::atomic<bool> blocked = false;
     Host host([&](const Told &) {

@@ -3,11 +3,45 @@
 #include <cstdlib>
 #include <new>
 
+#if defined(__clang__) && defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define NADREL_OPERATOR_NEW_IS_TAKEN
+#endif
+#endif
+
 namespace {
 
 thread_local bool armed = false;
 thread_local size_t lowest = 0;
 thread_local size_t highest = 0;
+
+} // namespace
+
+namespace scripted::allocation {
+
+bool CanFail() {
+#ifdef NADREL_OPERATOR_NEW_IS_TAKEN
+    return false;
+#else
+    return true;
+#endif
+}
+
+void FailNext(size_t atLeast, size_t atMost) {
+    lowest = atLeast;
+    highest = atMost;
+    armed = true;
+}
+
+void Allow() {
+    armed = false;
+}
+
+} // namespace scripted::allocation
+
+#ifndef NADREL_OPERATOR_NEW_IS_TAKEN
+
+namespace {
 
 void *AllocateOrNull(size_t size) noexcept {
     if (armed && size >= lowest && size <= highest) {
@@ -25,20 +59,6 @@ void *Allocate(size_t size) {
 }
 
 } // namespace
-
-namespace scripted::allocation {
-
-void FailNext(size_t atLeast, size_t atMost) {
-    lowest = atLeast;
-    highest = atMost;
-    armed = true;
-}
-
-void Allow() {
-    armed = false;
-}
-
-} // namespace scripted::allocation
 
 void *operator new(size_t size) {
     return Allocate(size);
@@ -71,3 +91,5 @@ void operator delete(void *memory, size_t) noexcept {
 void operator delete[](void *memory, size_t) noexcept {
     std::free(memory);
 }
+
+#endif
