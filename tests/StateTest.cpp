@@ -156,6 +156,44 @@ TEST_F(StateTest, ResetLinkStateLeavesModeErrorBufferQueueAndThreads) {
     SerialLinkOpen = 1;
 }
 
+TEST_F(StateTest, ResetLinkStateLeavesTheRepliesTheCaptureTheMessageAndTheCounters) {
+    NotifyMessageId = 1;
+    StatusCaptureByte = 2;
+    ResponseBuffer[0] = 3;
+    CardDataBuffer[0] = 4;
+    SendingCalls = 5;
+    LinkClosing = 6;
+    Counters.bytesAsked = 7;
+    ResetLinkState();
+    EXPECT_EQ(NotifyMessageId, 1U);
+    EXPECT_EQ(StatusCaptureByte, 2);
+    EXPECT_EQ(ResponseBuffer[0], 3);
+    EXPECT_EQ(CardDataBuffer[0], 4);
+    EXPECT_EQ(SendingCalls, 5);
+    EXPECT_EQ(LinkClosing, 6);
+    EXPECT_EQ(Counters.bytesAsked, 7U);
+    SendingCalls = 0;
+    LinkClosing = 0;
+}
+
+TEST_F(StateTest, ResetCountersPutsEveryCounterBack) {
+    Counters.bytesAsked = 1;
+    Counters.bytesTaken = 2;
+    Counters.lastError = 3;
+    Counters.errorCount = 4;
+    Counters.bytesReceived = 5;
+    Counters.bytesDropped = 6;
+    Counters.notificationsPosted = 7;
+    ResetCounters();
+    EXPECT_EQ(Counters.bytesAsked, 0U);
+    EXPECT_EQ(Counters.bytesTaken, 0U);
+    EXPECT_EQ(Counters.lastError, 0U);
+    EXPECT_EQ(Counters.errorCount, 0U);
+    EXPECT_EQ(Counters.bytesReceived, 0U);
+    EXPECT_EQ(Counters.bytesDropped, 0U);
+    EXPECT_EQ(Counters.notificationsPosted, 0U);
+}
+
 TEST_F(StateTest, AConnectAndACloseReturnToStandardModeAndForgetTheMacroMark) {
     SetPageMode();
     SetMarco_Start();

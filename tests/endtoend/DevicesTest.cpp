@@ -42,7 +42,8 @@ TEST_P(Devices, PassACommandToTheSecuredCardAndItsAnswerBack) {
     EXPECT_TRUE(HasListed("~ EOT ~    leave smart-card mode"));
     Settle();
     Printer().Say("send 02 39 30 00");
-    EXPECT_EQ(heard.Next(), Reply('D', "\x02" "90\0"s));
+    EXPECT_EQ(heard.Next(), Reply('D', "\x02"
+                                       "90\0"s));
     EXPECT_EQ(SecuredCardCancel(), 0);
     EXPECT_TRUE(HasListed("ESC M X    cancel secured card"));
 }

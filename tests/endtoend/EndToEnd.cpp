@@ -22,7 +22,9 @@ EndToEnd::~EndToEnd() {
     SetAnsiCodePage(1252);
     StopPrinter();
     if (printer && HasFailure())
-        std::cerr << "the printer listed:\n" << TailOf(printer->Listing()) << "and said:\n" << printer->Complaints();
+        std::cerr << "the printer listed:\n"
+                  << TailOf(printer->Listing()) << "and said:\n"
+                  << printer->Complaints();
     printer.reset();
     const Resources expected{atStart.threads, atStart.descriptors + keptOpen};
     EXPECT_TRUE(Eventually([&] { return UsedNow() == expected; }))
@@ -67,8 +69,8 @@ void EndToEnd::Meet(Link link, std::vector<std::string> options) {
 testing::AssertionResult EndToEnd::HasListed(const std::string &text, size_t count) {
     if (printer->AwaitListed(text, count))
         return testing::AssertionSuccess();
-    return testing::AssertionFailure() << "the listing holds \"" << text << "\" only " << printer->Listed(text)
-                                       << " times";
+    return testing::AssertionFailure()
+           << "the listing holds \"" << text << "\" only " << printer->Listed(text) << " times";
 }
 
 } // namespace endtoend

@@ -64,9 +64,10 @@ std::string ParameterName(const testing::TestParamInfo<Parameter> &info) {
 
 // Runs the suite's tests over serial and TCP, plain and framed; once plain and once framed, where the kind of link
 // makes no difference; over serial and TCP.
-#define NADREL_ON_EVERY_LINK(suite)                                                                                    \
+#define NADREL_ON_EVERY_LINK(suite)                                                                          \
     INSTANTIATE_TEST_SUITE_P(, suite, testing::ValuesIn(endtoend::kEveryLink), endtoend::ParameterName<Link>)
-#define NADREL_IN_BOTH_FORMS(suite)                                                                                    \
+#define NADREL_IN_BOTH_FORMS(suite)                                                                          \
     INSTANTIATE_TEST_SUITE_P(, suite, testing::ValuesIn(endtoend::kBothForms), endtoend::ParameterName<Link>)
-#define NADREL_ON_EVERY_MEDIUM(suite)                                                                                  \
-    INSTANTIATE_TEST_SUITE_P(, suite, testing::ValuesIn(endtoend::kEveryMedium), endtoend::ParameterName<Medium>)
+#define NADREL_ON_EVERY_MEDIUM(suite)                                                                        \
+    INSTANTIATE_TEST_SUITE_P(, suite, testing::ValuesIn(endtoend::kEveryMedium),                             \
+                             endtoend::ParameterName<Medium>)

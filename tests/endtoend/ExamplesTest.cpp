@@ -41,7 +41,8 @@ class Examples : public EndToEnd, public testing::WithParamInterface<std::string
     std::filesystem::path Print() {
         StartPrinter();
         const std::string job = (kExamples / (GetParam() + ".job")).string();
-        Process tool(NADREL_TOOL_PROGRAM, {"run", job, "--serial", Printer().SerialPath()}, folder.Path() / "tool");
+        Process tool(NADREL_TOOL_PROGRAM, {"run", job, "--serial", Printer().SerialPath()},
+                     folder.Path() / "tool");
         EXPECT_EQ(tool.Wait(), 0) << tool.Errors();
         StopPrinter();
         EXPECT_EQ(Printer().Complaints(), "");
@@ -68,7 +69,7 @@ TEST_P(Examples, LookAsTheirGoldenPictures) {
     const Picture golden = ReadPng(kGolden / (GetParam() + ".png"));
     const int64_t different = DifferentDots(ReadPng(printed), golden);
     if (different != 0) {
-        ADD_FAILURE() << different << " dots of " << GetParam() << " differ from its golden picture; the new one is "
-                      << Keep(printed, kDifferent);
+        ADD_FAILURE() << different << " dots of " << GetParam()
+                      << " differ from its golden picture; the new one is " << Keep(printed, kDifferent);
     }
 }

@@ -29,8 +29,12 @@ inline constexpr Link kBothForms[] = {{Medium::serial, Form::plain}, {Medium::tc
 // As names of tests.
 std::string NameOf(Medium medium);
 std::string NameOf(Link link);
-inline std::ostream &operator<<(std::ostream &out, Link link) { return out << NameOf(link); }
-inline std::ostream &operator<<(std::ostream &out, Medium medium) { return out << NameOf(medium); }
+inline std::ostream &operator<<(std::ostream &out, Link link) {
+    return out << NameOf(link);
+}
+inline std::ostream &operator<<(std::ostream &out, Medium medium) {
+    return out << NameOf(medium);
+}
 
 std::u16string ToUtf16(const std::string &ascii);
 

@@ -84,7 +84,8 @@ static int Measure(void) {
     getrusage(RUSAGE_SELF, &from);
     Pause(2000);
     getrusage(RUSAGE_SELF, &to);
-    const long seconds = to.ru_utime.tv_sec - from.ru_utime.tv_sec + to.ru_stime.tv_sec - from.ru_stime.tv_sec;
+    const long seconds =
+        to.ru_utime.tv_sec - from.ru_utime.tv_sec + to.ru_stime.tv_sec - from.ru_stime.tv_sec;
     printf("%ld\n", seconds * 1000000 + to.ru_utime.tv_usec - from.ru_utime.tv_usec + to.ru_stime.tv_usec -
                         from.ru_stime.tv_usec);
     Require(ClosePrinter() == 1, 41);

@@ -51,7 +51,9 @@ static void Close(void *library) {
     Require(ClosePrinter_() == 1, 22);
 }
 
-static void Unload(void *library) { Require(dlclose(library) == 0, 23); }
+static void Unload(void *library) {
+    Require(dlclose(library) == 0, 23);
+}
 
 static void *Load(const char *file) {
     void *library = dlopen(file, RTLD_NOW | RTLD_LOCAL);
@@ -88,5 +90,6 @@ static int UnloadClosed(const char *file, char **link) {
 
 int main(int count, char **words) {
     Require(count == 5, 10);
-    return strcmp(words[2], "open") == 0 ? UnloadOpen(words[1], words + 3) : UnloadClosed(words[1], words + 3);
+    return strcmp(words[2], "open") == 0 ? UnloadOpen(words[1], words + 3)
+                                         : UnloadClosed(words[1], words + 3);
 }

@@ -19,11 +19,15 @@ struct Notification {
 std::ostream &operator<<(std::ostream &out, const Notification &notification);
 
 // Without data the length is that of the reply before.
-inline Notification Code(uint32_t kind, uint32_t length = 0) { return {kind, length, 0, ""}; }
+inline Notification Code(uint32_t kind, uint32_t length = 0) {
+    return {kind, length, 0, ""};
+}
 inline Notification Reply(uint32_t kind, const std::string &data) {
     return {kind, static_cast<uint32_t>(data.size()), 0, data};
 }
-inline Notification FramedStatus(uint8_t status, uint32_t length = 0) { return {'S', length, status, ""}; }
+inline Notification FramedStatus(uint8_t status, uint32_t length = 0) {
+    return {'S', length, status, ""};
+}
 
 // A copy made inside the handler.
 Notification CopyOf(uint32_t wParam, intptr_t lParam);

@@ -116,7 +116,8 @@ TEST_P(Replies, TellTheFramedCodesWithTheLengthOfTheReplyBefore) {
     EXPECT_EQ(HeardOf("C0 15"), Code(0x15, 1));
     EXPECT_EQ(HeardOf("C0 18"), Code(0x18, 1));
     EXPECT_EQ(HeardOf("C0 03"), Code(0x03, 1));
-    EXPECT_EQ(HeardOf("1B 41 42"), Reply('D', "\x1B" "AB"));
+    EXPECT_EQ(HeardOf("1B 41 42"), Reply('D', "\x1B"
+                                              "AB"));
     EXPECT_EQ(HeardOf("C0 04"), Code(0x04, 3));
 }
 
@@ -133,8 +134,10 @@ TEST_P(Acknowledgement, IsToldForGoodFramesAndRefusalForBadOnes) {
 
 TEST_P(Replies, KeepTheZeroBytesOfPairsAndDropThoseOfTexts) {
     Begin();
-    EXPECT_EQ(HeardOf("1B 41 00 42"), Reply('D', "\x1B" "A\0B"s));
-    EXPECT_EQ(HeardOf("02 43 00 00"), Reply('D', "\x02" "C\0\0"s));
+    EXPECT_EQ(HeardOf("1B 41 00 42"), Reply('D', "\x1B"
+                                                 "A\0B"s));
+    EXPECT_EQ(HeardOf("02 43 00 00"), Reply('D', "\x02"
+                                                 "C\0\0"s));
     EXPECT_EQ(HeardOf("C0 1B 00 41"), Reply('D', "\x1B\0A"s));
     EXPECT_EQ(HeardOf("30 00 31 00"), Reply('T', "01"));
 }

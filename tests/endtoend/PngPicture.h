@@ -12,7 +12,9 @@ struct Picture {
     int height = 0;
     std::vector<uint8_t> grey;
 
-    uint8_t At(int x, int y) const { return grey[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)]; }
+    uint8_t At(int x, int y) const {
+        return grey[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
+    }
     bool operator==(const Picture &) const = default;
 };
 

@@ -95,7 +95,8 @@ TEST_P(RawPrinting, LeavesEveryByteAsItIs) {
     const Bytes escaped = Bytes(all.begin(), all.begin() + 0x7D) + Bytes{0x7D, 0x5D} +
                           Bytes(all.begin() + 0x7E, all.begin() + 0xC0) + Bytes{0x7D, 0xE0, 0x7D, 0xE1} +
                           Bytes(all.begin() + 0xC2, all.end());
-    EXPECT_EQ(Sent(270), (Bytes{0x00, 0xC0, 'D', '1', '0', '2', '5', '6'} + escaped + Bytes{0x00, 0x00, 0xC1}));
+    EXPECT_EQ(Sent(270),
+              (Bytes{0x00, 0xC0, 'D', '1', '0', '2', '5', '6'} + escaped + Bytes{0x00, 0x00, 0xC1}));
 }
 
 TEST_P(RawPrinting, SendsAFullSpool) {
@@ -131,8 +132,9 @@ TEST_P(RawSpool, SendsTheSameTwiceWhereTheSpoolIsKept) {
     InitPrinterStatus();
     EXPECT_EQ(PrintSpool(0), 1);
     EXPECT_EQ(PrintSpool(0), 1);
-    const Bytes once = IsFramed() ? Bytes{0x00, 0xC0, 'D', '1', '0', '0', '0', '2', 0x1B, 0x40, 0x1B, 0x40, 0xC1}
-                                  : Bytes{0x1B, 0x40};
+    const Bytes once = IsFramed()
+                           ? Bytes{0x00, 0xC0, 'D', '1', '0', '0', '0', '2', 0x1B, 0x40, 0x1B, 0x40, 0xC1}
+                           : Bytes{0x1B, 0x40};
     EXPECT_EQ(Sent(2 * once.size()), once + once);
 }
 
@@ -143,8 +145,8 @@ TEST_P(RawSpool, SendsWhatWasAppendedSinceASpoolThatWasCleared) {
     PrintData();
     EXPECT_EQ(PrintSpool(1), 1);
     const Bytes plain{0x1B, 0x64, 0x03, 0x0A};
-    const Bytes framed{0x00, 0xC0, 'D', '1', '0', '0', '0', '3', 0x1B, 0x64, 0x03, 0x18, 0x64, 0xC1,
-                       0x00, 0xC0, 'D', '1', '0', '0', '0', '1', 0x0A, 0x0A, 0x00, 0xC1};
+    const Bytes framed{0x00, 0xC0, 'D',  '1', '0', '0', '0', '3', 0x1B, 0x64, 0x03, 0x18, 0x64,
+                       0xC1, 0x00, 0xC0, 'D', '1', '0', '0', '0', '1',  0x0A, 0x0A, 0x00, 0xC1};
     const Bytes &expected = IsFramed() ? framed : plain;
     EXPECT_EQ(Sent(expected.size()), expected);
 }

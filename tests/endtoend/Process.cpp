@@ -6,8 +6,8 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
-#include <sys/syscall.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 
 #include <cerrno>
@@ -67,7 +67,8 @@ std::string ContentsOf(const std::filesystem::path &file) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
-Process::Process(const std::string &program, const std::vector<std::string> &arguments, std::filesystem::path logPath)
+Process::Process(const std::string &program, const std::vector<std::string> &arguments,
+                 std::filesystem::path logPath)
     : log(std::move(logPath)) {
     int ends[2];
     Require(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) == 0, "socketpair");
@@ -93,7 +94,8 @@ Process::~Process() {
 
 void Process::Say(const std::string &line) const {
     const std::string text = line + "\n";
-    Require(send(input.Get(), text.data(), text.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(text.size()), line);
+    Require(send(input.Get(), text.data(), text.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(text.size()),
+            line);
 }
 
 void Process::Signal(int signal) const {

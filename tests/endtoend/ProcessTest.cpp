@@ -91,8 +91,10 @@ class ProcessorTime : public EndToEnd {};
 } // namespace
 
 TEST_F(ProcessorTime, OfAnIdleAndOfADeadLinkIsUnderTwoPercentOfACore) {
-    Holder idle[] = {{folder.Path() / "serial-idle", Medium::serial}, {folder.Path() / "tcp-idle", Medium::tcp}};
-    Holder dead[] = {{folder.Path() / "serial-dead", Medium::serial}, {folder.Path() / "tcp-dead", Medium::tcp}};
+    Holder idle[] = {{folder.Path() / "serial-idle", Medium::serial},
+                     {folder.Path() / "tcp-idle", Medium::tcp}};
+    Holder dead[] = {{folder.Path() / "serial-dead", Medium::serial},
+                     {folder.Path() / "tcp-dead", Medium::tcp}};
     for (Holder *const group : {idle, dead})
         for (size_t i = 0; i < 2; ++i)
             ASSERT_TRUE(group[i].AwaitConnection());

@@ -69,7 +69,8 @@ void RawPeer::ListenOnSocket() {
 }
 
 int32_t RawPeer::Connect(Form form) {
-    const int32_t result = medium == Medium::serial ? ConnectSerial(serialPath, form) : ConnectTcp(tcpPort, form);
+    const int32_t result =
+        medium == Medium::serial ? ConnectSerial(serialPath, form) : ConnectTcp(tcpPort, form);
     const std::lock_guard lock(mutex);
     received.clear();
     return result;

@@ -47,7 +47,8 @@ TEST_F(SerialConnection, IsRefusedWhileALinkIsOpenAndLeavesItAlone) {
     EXPECT_NE(handle, NADREL_INVALID_HANDLE);
     EXPECT_EQ(InitPrinter(Port().c_str(), 115200, 0), ERR_ALREADY_CONNECTED);
     EXPECT_EQ(ConnectSerialPrinter(Port().c_str(), 115200, 0, 0), ERR_ALREADY_CONNECTED);
-    EXPECT_EQ(ConnectSerialPrinterEx(Printer().SerialPath().c_str(), 115200, 8, 0, 0, 0, 0), ERR_ALREADY_CONNECTED);
+    EXPECT_EQ(ConnectSerialPrinterEx(Printer().SerialPath().c_str(), 115200, 8, 0, 0, 0, 0),
+              ERR_ALREADY_CONNECTED);
     EXPECT_EQ(ConnectWirelessPrinter(u"127.0.0.1", Printer().TcpPort(), 0, 0), -1);
     EXPECT_EQ(InitWlanPrinter(u"127.0.0.1", Printer().TcpPort(), 1000, 0), -3);
     EXPECT_EQ(GetPortHandle(), handle);
@@ -72,7 +73,8 @@ TEST_F(SerialConnection, TriesAgainEvery200MillisecondsUntilThePortIsThere) {
     EXPECT_EQ(ConnectSerialPrinter(nowhere.c_str(), 115200, 600, 0), ERR_OPEN_PORT);
     EXPECT_GE(watch.Elapsed(), 600);
     StartPrinter();
-    std::thread plugging([&] { std::filesystem::create_symlink(Printer().SerialPath(), folder.Path() / "port"); });
+    std::thread plugging(
+        [&] { std::filesystem::create_symlink(Printer().SerialPath(), folder.Path() / "port"); });
     EXPECT_EQ(ConnectSerialPrinter(nowhere.c_str(), 115200, 20'000, 0), 1);
     plugging.join();
 }
@@ -91,7 +93,9 @@ TEST_F(SerialConnection, KeepsThePortWhenItDoesNotTakeTheSettings) {
 TEST_F(SerialConnection, TakesAPortForItselfAlone) {
     ASSERT_TRUE(Open({Medium::serial, Form::plain}));
     const auto anotherOpens = [this] {
-        return Process(NADREL_HOST_PROGRAM, {"print", "serial", Printer().SerialPath()}, folder.Path() / "host").Wait();
+        return Process(NADREL_HOST_PROGRAM, {"print", "serial", Printer().SerialPath()},
+                       folder.Path() / "host")
+            .Wait();
     };
     EXPECT_EQ(anotherOpens(), 11);
     EXPECT_EQ(ClosePrinter(), 1);

@@ -167,8 +167,10 @@ TEST_F(SymbologySheet, HoldsLibzintsOwnPicturesOfWhatNoReaderKnows) {
                                     twoColumns);
     EXPECT_TRUE(Holds(sheet, micro));
     const int limited = 3 * 79; // dots
-    EXPECT_TRUE(Holds(sheet, PictureOf(printer::ZintBars(BARCODE_DBAR_LTD, "1501234567890", 3, 80), limited)));
-    EXPECT_FALSE(Holds(sheet, PictureOf(printer::ZintBars(BARCODE_DBAR_LTD, "1501234567891", 3, 80), limited)));
+    EXPECT_TRUE(
+        Holds(sheet, PictureOf(printer::ZintBars(BARCODE_DBAR_LTD, "1501234567890", 3, 80), limited)));
+    EXPECT_FALSE(
+        Holds(sheet, PictureOf(printer::ZintBars(BARCODE_DBAR_LTD, "1501234567891", 3, 80), limited)));
 }
 
 TEST_F(SymbologySheet, IsTheSameOverEveryLink) {

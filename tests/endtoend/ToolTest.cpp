@@ -15,7 +15,8 @@ class Tool : public OnEveryMedium {
     Process OnLink(std::vector<std::string> words) {
         const bool isSerial = GetParam() == Medium::serial;
         words.push_back(isSerial ? "--serial" : "--tcp");
-        words.push_back(isSerial ? Printer().SerialPath() : "127.0.0.1:" + std::to_string(Printer().TcpPort()));
+        words.push_back(isSerial ? Printer().SerialPath()
+                                 : "127.0.0.1:" + std::to_string(Printer().TcpPort()));
         return Process(NADREL_TOOL_PROGRAM, words, folder.Path() / "tool");
     }
 
@@ -44,7 +45,8 @@ std::string LargeJob() {
 
 TEST_P(Tool, RunsAJob) {
     StartPrinter();
-    Process tool = OnLink({"run", JobFile("SetTextAlignment(1)\nTextSaveSpool(\"Café crème\")\nPrintData()\n")});
+    Process tool =
+        OnLink({"run", JobFile("SetTextAlignment(1)\nTextSaveSpool(\"Café crème\")\nPrintData()\n")});
     EXPECT_EQ(tool.Wait(), 0) << tool.Errors();
     EXPECT_EQ(tool.Output() + tool.Errors(), "");
     EXPECT_TRUE(HasListed("\"Café crème\""));
@@ -94,9 +96,10 @@ TEST_P(Tool, ListensForASwipeUntilItIsInterrupted) {
     Printer().Say("swipe");
     ASSERT_TRUE(Eventually([&] { return tool.Output().ends_with("\n"); }));
     EXPECT_THAT(tool.Output(),
-                testing::MatchesRegex("[0-9:]{8}\\.[0-9]{3}  N    98    \"\\.\\.\\.\\$\\.;5000000000000009=30121010000000000\\?"
-                                      "\\.5\\.;015000000000000009=7247240000000000000030300099010=\\?\\.\""
-                                      "  1B 02 02 24 00 3B [0-9A-F ]* 3F 00\n"));
+                testing::MatchesRegex(
+                    "[0-9:]{8}\\.[0-9]{3}  N    98    \"\\.\\.\\.\\$\\.;5000000000000009=30121010000000000\\?"
+                    "\\.5\\.;015000000000000009=7247240000000000000030300099010=\\?\\.\""
+                    "  1B 02 02 24 00 3B [0-9A-F ]* 3F 00\n"));
     tool.Signal(SIGINT);
     EXPECT_EQ(tool.Wait(), 0) << tool.Errors();
     EXPECT_TRUE(HasListed("cancel card reading"));
@@ -123,7 +126,8 @@ TEST_P(Tool, SaysThatNotEveryByteOfAJobWasSent) {
 TEST_P(Tool, WritesWhatItWouldSendInHexadecimal) {
     StartPrinter();
     const std::string hex = (folder.Path() / "a.hex").string();
-    Process tool = OnLink({"run", "--hex", hex, JobFile("SetTextAlignment(1)\nTextSaveSpool(\"é\")\nPrintData()\n")});
+    Process tool =
+        OnLink({"run", "--hex", hex, JobFile("SetTextAlignment(1)\nTextSaveSpool(\"é\")\nPrintData()\n")});
     EXPECT_EQ(tool.Wait(), 0) << tool.Errors();
     EXPECT_EQ(ContentsOf(hex), "1B 61 01 E9 0A\n");
     EXPECT_EQ(Printer().Listing(), "");

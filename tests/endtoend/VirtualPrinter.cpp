@@ -10,8 +10,13 @@ namespace endtoend {
 namespace {
 
 std::vector<std::string> WithLinks(std::vector<std::string> options, const std::filesystem::path &folder) {
-    const std::string own[] = {"--serial", "--tcp",    "0", "--listing", (folder / "listing").string(),
-                               "--output", (folder / "paper.png").string()};
+    const std::string own[] = {"--serial",
+                               "--tcp",
+                               "0",
+                               "--listing",
+                               (folder / "listing").string(),
+                               "--output",
+                               (folder / "paper.png").string()};
     options.insert(options.end(), std::begin(own), std::end(own));
     return options;
 }
