@@ -103,9 +103,9 @@ TEST_F(ScriptedPlatformTest, OneAllocationOfTheSizeFails) {
     if (!allocation::CanFail())
         GTEST_SKIP();
     allocation::FailNext(1000, 2000);
-    EXPECT_NO_THROW(std::vector<char>(999));
-    EXPECT_THROW(std::vector<char>(1000), std::bad_alloc);
-    EXPECT_NO_THROW(std::vector<char>(1000));
+    EXPECT_NO_THROW(::operator delete(::operator new(999)));
+    EXPECT_THROW(::operator delete(::operator new(1000)), std::bad_alloc);
+    EXPECT_NO_THROW(::operator delete(::operator new(1000)));
 }
 
 } // namespace

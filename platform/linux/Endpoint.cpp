@@ -16,6 +16,15 @@ std::optional<short> Endpoint::Wait(short events, Deadline deadline) const {
     return watched[0].revents;
 }
 
+void Endpoint::Rest() {
+    closing.Close();
+    gone->Close();
+}
+
+bool Endpoint::Wake() {
+    return closing.Reopen() && gone->Reopen();
+}
+
 void Endpoint::PauseWhenGone() const {
     pollfd watched = closing.Watched();
     WaitFor({&watched, 1}, AfterMilliseconds(kPauseWhenGone));

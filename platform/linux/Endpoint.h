@@ -17,7 +17,7 @@ inline constexpr uint32_t kPauseWhenGone = 50;
 // of those calls shares the endpoint; the last one to leave closes the descriptor.
 class Endpoint {
   public:
-    explicit Endpoint(Descriptor open) : descriptor(std::move(open)), gone(std::make_shared<const Event>()) {}
+    explicit Endpoint(Descriptor open) : descriptor(std::move(open)), gone(std::make_shared<Event>()) {}
     ~Endpoint();
     Endpoint(const Endpoint &) = delete;
     Endpoint &operator=(const Endpoint &) = delete;
@@ -36,12 +36,17 @@ class Endpoint {
     // Releases every call in progress. The event is set once the descriptor has been closed.
     std::shared_ptr<const Event> BeginClosing();
 
+    // An endpoint that is kept and not used holds its own descriptor alone; awake, it can be waited for. False
+    // when the system has no descriptors to give.
+    void Rest();
+    bool Wake();
+
   protected:
     Descriptor descriptor;
     Event closing;
 
   private:
-    std::shared_ptr<const Event> gone;
+    std::shared_ptr<Event> gone;
 };
 
 } // namespace platform

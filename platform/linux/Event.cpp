@@ -6,6 +6,12 @@ namespace platform {
 
 Event::Event() : descriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
 
+bool Event::Reopen() {
+    if (!IsValid())
+        descriptor = Descriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+    return IsValid();
+}
+
 void Event::Set() const {
     Uninterrupted([&] { return eventfd_write(descriptor.Number(), 1); });
 }

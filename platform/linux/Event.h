@@ -17,6 +17,11 @@ class Event {
     void Set() const;
     void Reset() const;
 
+    // Gives the descriptor back, and gets one again where it has been: while nobody waits. False when the system
+    // has none to give.
+    void Close() { descriptor.Close(); }
+    bool Reopen();
+
     // What to wait for: readable while set.
     pollfd Watched() const { return {descriptor.Number(), POLLIN, 0}; }
 

@@ -30,6 +30,11 @@ bool Port::Claim() {
     return claimed || Fail(errno);
 }
 
+void Port::Rest() {
+    Endpoint::Rest();
+    release.Close();
+}
+
 std::optional<uint32_t> Port::OutputQueued() const {
     int queued = 0;
     if (ioctl(Number(), TIOCOUTQ, &queued) == 0)

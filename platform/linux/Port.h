@@ -23,6 +23,9 @@ class Port : public Endpoint {
     // with the reason recorded, when it is another's.
     bool Claim();
 
+    void Rest();
+    bool Wake() { return Endpoint::Wake() && release.Reopen(); }
+
     // Bytes that the device has yet to take, 0 where the driver does not say; nothing once the device has
     // gone.
     std::optional<uint32_t> OutputQueued() const;

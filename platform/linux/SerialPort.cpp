@@ -44,6 +44,18 @@ PortHandle OpenPath(const std::string &path) {
     return kInvalidPort;
 }
 
+bool Apply(const LineSettings &settings, const Port &port) {
+    termios2 terminal;
+    if (!ReadTerminal(port, terminal))
+        return false;
+    if (!ToTerminal(settings, terminal))
+        return Fail(EINVAL);
+    if (Uninterrupted([&] { return ioctl(port.Number(), TCSETS2, &terminal); }) != 0)
+        return Fail(errno);
+    termios2 taken;
+    return ReadTerminal(port, taken) && (IsTaken(terminal, taken) || Fail(EINVAL));
+}
+
 // Success of a control operation on the device.
 template <typename Argument>
 bool Control(PortHandle handle, unsigned long request, Argument argument) {
@@ -72,17 +84,15 @@ bool GetLineSettings(PortHandle handle, LineSettings &settings) {
     return true;
 }
 
+// A port that does not take its settings is one that its host leaves open and never uses.
 bool SetLineSettings(PortHandle handle, const LineSettings &settings) {
     const auto port = Ports().FindOrFail(handle);
-    termios2 terminal;
-    if (!port || !ReadTerminal(*port, terminal))
+    if (!port)
         return false;
-    if (!ToTerminal(settings, terminal))
-        return Fail(EINVAL);
-    if (Uninterrupted([&] { return ioctl(port->Number(), TCSETS2, &terminal); }) != 0)
-        return Fail(errno);
-    termios2 taken;
-    return ReadTerminal(*port, taken) && (IsTaken(terminal, taken) || Fail(EINVAL));
+    if (Apply(settings, *port))
+        return port->Wake() || Fail(EMFILE);
+    port->Rest();
+    return false;
 }
 
 bool GetPortTimeouts(PortHandle handle, PortTimeouts &timeouts) {

@@ -41,7 +41,7 @@ class EndToEnd : public testing::Test {
     std::ptrdiff_t keptOpen = 0; // descriptors that the library keeps because its interface says so
 
   private:
-    Resources atStart = UsedNow();
+    Resources atStart;
     std::optional<VirtualPrinter> printer;
 };
 
