@@ -116,6 +116,17 @@ TEST_P(EveryWirelessConnectTest, Gives0AndClosesWithoutMemoryForTheSocket) {
     ExpectClosed();
 }
 
+TEST_P(EveryWirelessConnectTest, Gives0WhenTheSystemRunsOutOfMemoryAndGivesTheSocketBackAtTheNextConnect) {
+    os.OnCall("Connect", [] { throw std::bad_alloc(); });
+    EXPECT_EQ(0, Connect());
+    EXPECT_FALSE(LinkIsOpen());
+    EXPECT_EQ(1, Connect());
+    EXPECT_EQ(1, os.OpenSockets());
+    EXPECT_EQ(1, os.SocketSupport());
+    EXPECT_EQ(1, ClosePrinter());
+    ExpectClosed();
+}
+
 TEST_P(EveryWirelessConnectTest, GoesOnWithoutThreadsWhenTheSystemHasNone) {
     os.FailAlways("StartThread", 11);
     EXPECT_EQ(1, Connect());
