@@ -8,7 +8,6 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 
 // Every variable that is one for the process, with its initial value and who writes it. What two threads
 // touch while a link is open is a word-sized atomic, read and written relaxed: the threads and the host may

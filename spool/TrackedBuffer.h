@@ -42,9 +42,10 @@ class TrackedBuffer {
     // Zeroes from `position` to the end of the storage, as far as anything stands there.
     void ClearFrom(int32_t position) {
         const int32_t from = std::max(dirtyFrom, position);
-        if (from >= dirtyTo)
+        const int32_t to = dirtyTo;
+        if (from >= to)
             return;
-        std::memset(storage + Margin + from, 0, static_cast<size_t>(dirtyTo - from));
+        std::memset(storage + Margin + from, 0, static_cast<size_t>(to - from));
         dirtyTo = from;
     }
 
