@@ -21,7 +21,8 @@ class Ledger {
 
     bool IsClean() const;
 
-    // One line for each kind of call: how often, how long at most, and the limit of that one. Then what was wrong.
+    // One line for each kind of call: how often, how long at most, and the limit of that one. Then what was
+    // wrong.
     std::string Summary() const;
 
   private:

@@ -55,6 +55,7 @@ void Soak::WarmUp() {
 }
 
 void Soak::RunUntil(std::chrono::steady_clock::time_point end) {
+    offersClosing = true;
     ReplacePrinter();
     while (std::chrono::steady_clock::now() < end)
         Step();
@@ -284,7 +285,7 @@ void Soak::Disturb() {
 template <typename Call>
 int32_t Soak::Timed(const char *name, Milliseconds pauses, Call call) {
     interrupted = false;
-    if (OneIn(40))
+    if (offersClosing && OneIn(40))
         offer = Offer::made;
     const uint64_t before = Report().bytesAsked;
     watchdog.Enter(name);

@@ -9,9 +9,9 @@
 
 namespace soak {
 
-// A host that connects, prints, asks and closes at random, on both kinds of link, while its printer is replaced by
-// ever new ones with faults at random. What it does follows from the seed; how the printer and the clock take it
-// does not.
+// A host that connects, prints, asks and closes at random, on both kinds of link, while its printer is
+// replaced by ever new ones with faults at random. What it does follows from the seed; how the printer and
+// the clock take it does not.
 class Soak {
   public:
     // The printers' files are kept in the folder.
@@ -54,8 +54,8 @@ class Soak {
     void UseDevices();
     void Disturb();
 
-    // Calls and takes the time: the pauses that the function makes and what its sending may take are allowed. Now and
-    // then a notification closes the link meanwhile.
+    // Calls and takes the time: the pauses that the function makes and what its sending may take are allowed.
+    // Now and then a notification closes the link meanwhile.
     template <typename Call>
     int32_t Timed(const char *name, Milliseconds pauses, Call call);
     void Allow(const char *call, int32_t result, std::initializer_list<int32_t> allowed);
@@ -85,6 +85,7 @@ class Soak {
     Watchdog watchdog;
     std::atomic<uint64_t> told = 0;
 
+    bool offersClosing = false; // not before everything has been used once
     // Whether a notification may close the link, or has.
     enum class Offer { none, made, taken, done };
     std::atomic<Offer> offer = Offer::none;
