@@ -410,6 +410,50 @@ NADREL_API void NADREL_CALL SetFontForTTF(const NadrelChar *name);
 NADREL_API int32_t NADREL_CALL PrintSpoolForTTF(const NadrelChar *text, uint8_t p1, uint8_t p2);
 
 /*
+ * RASTER
+ *
+ * Pictures from uncompressed Windows bitmap files (BMP) of 1 or 24 bits a pixel, printed from their top row
+ * down in bands of 24 lines, a dot for a pixel. Files of other depths append nothing, pictures stored from
+ * the top down (a negative height) only the commands around the bands. 24-bit pictures are reduced to black
+ * and white: lightened (gamma 0.5), then dithered. The palette of a 1-bit file is not looked at.
+ *
+ * W and H are the picture's width and height, b = 4 x ceil(W / 32) the bytes of a line of dots. The highest
+ * bit is the leftmost dot; a set bit prints. b, n and the rest of a position go out as single bytes without a
+ * test: no printer takes b above 255.
+ *
+ * File names are UTF-16, on Linux turned into UTF-8. Only regular files are opened. A file cannot be loaded
+ * when it is shorter than its own header says, when the picture's width is negative, or when a band of it
+ * would be larger than all that the file holds. Pixel bytes that the file does not hold, or that the header's
+ * biSizeImage does not count, are 0.
+ *
+ * Through the link; each stores its result. A picture is appended whole or not at all.
+ */
+
+/*
+ * 1D 50 B4 B4 1B 33 18, then for each band of n lines
+ *     1B 4F xL xH yL yH 1B 58 34 b n, the dots of 24 lines, 1B 33 n where n is less than 24, 0A
+ * and 1B 32. The first band is at x, y; y grows by the lines of each. In a 1-bit file set bits print, in
+ * whole bytes: the last W mod 8 columns are dropped.
+ * Result: the new spool length; -1 when the file cannot be loaded or read to its end, and nothing changes;
+ * ERR_NOT_CONNECTED; ERR_SPOOL_LIMIT.
+ */
+NADREL_API int32_t NADREL_CALL BmpSaveSpool(const NadrelChar *path, int32_t x, int32_t y);
+
+/* The same at the present position, without 1B 4F. In a 1-bit file clear bits print, in all columns. */
+NADREL_API void NADREL_CALL NormalBmpSaveSpool(const NadrelChar *path);
+
+/*
+ * 1D 50 B4 B4, then for each band, and once more for an empty one when H is a multiple of 24,
+ *     1B 58 33 b 18, the dots of the band's lines as tokens, 1B 58 32 18
+ * A token is 80 + n and n bytes (1 <= n <= 58), or C0 + n and a byte that stands for n of it (4 <= n <= 58).
+ * The dots are those of NormalBmpSaveSpool. Nothing happens when the spool length is above 409600.
+ */
+NADREL_API void NADREL_CALL CompressedBmpSaveSpool(const NadrelChar *path);
+
+/* 1B 66 n: prints a picture that the printer holds. Direct. 0 <= n <= 255, else 00. */
+NADREL_API void NADREL_CALL LoadLogoSaveSpool(int32_t n);
+
+/*
  * SERIAL CONNECTION
  *
  * One link at a time; a link that another thread is closing counts as open. Connecting puts the spool, page

@@ -20,8 +20,8 @@ using Clock = std::chrono::steady_clock;
 // A reply that is classified by its first two bytes alone.
 constexpr uint8_t kReply[] = {0x1B, 'A'};
 
-// The library's own pauses from one notification to the next, when the next reply is there in time: 100 ms after
-// a reply, 50 ms and 50 ms at the top of a pass, 5 ms until the queue counts as empty.
+// The library's own pauses from one notification to the next, when the next reply is there in time: 100 ms
+// after a reply, 50 ms and 50 ms at the top of a pass, 5 ms until the queue counts as empty.
 constexpr double kPauses = 0.205;
 
 // Counts notifications and waits for them.
@@ -93,7 +93,8 @@ void ReplyThroughRingAndParser(benchmark::State &state) {
 }
 BENCHMARK(ReplyThroughRingAndParser)->Iterations(1)->UseRealTime()->Unit(benchmark::kMillisecond);
 
-// From a reply that is there in time to the handler; over_ms is the median of what it takes beyond the pauses.
+// From a reply that is there in time to the handler; over_ms is the median of what it takes beyond the
+// pauses.
 void ReplyToHandler(benchmark::State &state) {
     const bench::PseudoTerminalLink link;
     Listener listener;

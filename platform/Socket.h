@@ -51,9 +51,9 @@ class CAsyncSocket {
     SocketHandle handle;
 };
 
-// Waits until the connection stands, at most so long; negative times count as none. The number of sockets ready, 0 when the time is over or
-// the connection has failed, -1 when the handle cannot be waited for. `writable` is true only for a
-// connection that stands. `readLimit` is the handle + 1.
+// Waits until the connection stands, at most so long; negative times count as none. The number of sockets
+// ready, 0 when the time is over or the connection has failed, -1 when the handle cannot be waited for.
+// `writable` is true only for a connection that stands. `readLimit` is the handle + 1.
 int32_t SelectWritable(SocketHandle readLimit, SocketHandle socket, int32_t seconds, int32_t microseconds,
                        bool &writable);
 

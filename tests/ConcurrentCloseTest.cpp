@@ -59,8 +59,8 @@ TEST_F(BlockedSendTest, AHandlerThatClosesReleasesAStatusQuery) {
     ExpectClosedAndPutBack();
 }
 
-// While the host is in the middle of closing: it waits for a handler that is running, which therefore must not
-// wait for it.
+// While the host is in the middle of closing: it waits for a handler that is running, which therefore must
+// not wait for it.
 class ConcurrentCloseTest : public ConnectionTest {
   protected:
     // Closes, and has something done meanwhile, at the named step.

@@ -12,6 +12,9 @@ constexpr std::string_view kNoLink = "no link is open";
 constexpr std::string_view kSpoolIsFull = "the spool has no room for it";
 
 constexpr ResultCode kThroughLinkCodes[] = {{ERR_NOT_CONNECTED, kNoLink}, {ERR_SPOOL_LIMIT, kSpoolIsFull}};
+constexpr ResultCode kPictureCodes[] = {{-1, "the file cannot be loaded: it must be a bitmap file (BMP)"},
+                                        {ERR_NOT_CONNECTED, kNoLink},
+                                        {ERR_SPOOL_LIMIT, "the spool has no room for the picture"}};
 constexpr ResultCode kTextRunCodes[] = {
     {ERR_NOT_CONNECTED, kNoLink},
     {ERR_SPOOL_LIMIT, "the spool has no room for the text, which would take it past 9999 bytes"}};
@@ -29,6 +32,7 @@ constexpr ResultCode kPaymentCodes[] = {{-1, "the first field is longer than 12 
 
 constexpr ResultRule kNoResult{};
 constexpr ResultRule kThroughLink{.failures = kThroughLinkCodes};
+constexpr ResultRule kPicture{.failures = kPictureCodes};
 constexpr ResultRule kTextRun{.failures = kTextRunCodes};
 constexpr ResultRule kPrinting{.failures = kPrintingCodes, .onlyOneIsFine = true};
 constexpr ResultRule kCodePage{.failures = kCodePageCodes, .onlyOneIsFine = true};
@@ -139,6 +143,16 @@ Groups MacrosAndTrueType() {
               {"PrintSpoolForTTF", &PrintSpoolForTTF, "text", "p1", "p2"}}}};
 }
 
+Groups Raster() {
+    return {{"Raster",
+             Effect::appends,
+             kPicture,
+             {{"BmpSaveSpool", &BmpSaveSpool, "path", "x", "y"},
+              {"NormalBmpSaveSpool", &NormalBmpSaveSpool, "path"},
+              {"CompressedBmpSaveSpool", &CompressedBmpSaveSpool, "path"},
+              {"LoadLogoSaveSpool", &LoadLogoSaveSpool, "n"}}}};
+}
+
 Groups Status() {
     return {{"Status",
              Effect::neither,
@@ -198,8 +212,8 @@ std::vector<NotForJobs> OnlyForPrograms() {
 
 Catalogue MakeCatalogue() {
     Catalogue catalogue{.groups = {}, .notForJobs = OnlyForPrograms()};
-    for (const auto family : {&Spool, &TextCommands, &PageMode, &Barcodes, &MacrosAndTrueType, &Status,
-                              &CardReaders, &Payment, &Host})
+    for (const auto family : {&Spool, &TextCommands, &PageMode, &Barcodes, &MacrosAndTrueType, &Raster,
+                              &Status, &CardReaders, &Payment, &Host})
         for (Group &group : family())
             catalogue.groups.push_back(std::move(group));
     return catalogue;

@@ -36,8 +36,8 @@ class Endpoint {
     // Releases every call in progress. The event is set once the descriptor has been closed.
     std::shared_ptr<const Event> BeginClosing();
 
-    // An endpoint that is kept and not used holds its own descriptor alone; awake, it can be waited for. False
-    // when the system has no descriptors to give.
+    // An endpoint that is kept and not used holds its own descriptor alone; awake, it can be waited for.
+    // False when the system has no descriptors to give.
     void Rest();
     bool Wake();
 

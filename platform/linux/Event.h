@@ -17,8 +17,8 @@ class Event {
     void Set() const;
     void Reset() const;
 
-    // Gives the descriptor back, and gets one again where it has been: while nobody waits. False when the system
-    // has none to give.
+    // Gives the descriptor back, and gets one again where it has been: while nobody waits. False when the
+    // system has none to give.
     void Close() { descriptor.Close(); }
     bool Reopen();
 

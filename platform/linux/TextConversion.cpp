@@ -33,8 +33,8 @@ bool IsLowSurrogate(char32_t unit) {
 
 constexpr size_t kBlock = 16;
 
-// Copies a block of ASCII; false, and nothing is copied, when there is another character in it. Each step is one
-// that compilers turn into a few wide instructions.
+// Copies a block of ASCII; false, and nothing is copied, when there is another character in it. Each step is
+// one that compilers turn into a few wide instructions.
 bool CopyAsciiBlock(const char16_t *text, uint8_t *bytes) {
     uint16_t block[kBlock];
     uint64_t fours[kBlock / 4];
@@ -50,8 +50,8 @@ bool CopyAsciiBlock(const char16_t *text, uint8_t *bytes) {
 }
 
 // Copies ASCII up to the first other character, at most `count` characters, and returns their number: by
-// blocks, then four at a time, whose bytes close up in two steps as one word, in the right order on machines of
-// either byte order.
+// blocks, then four at a time, whose bytes close up in two steps as one word, in the right order on machines
+// of either byte order.
 size_t CopyAscii(const char16_t *text, uint8_t *bytes, size_t count) {
     size_t done = 0;
     while (count - done >= kBlock && CopyAsciiBlock(text + done, bytes + done))

@@ -26,8 +26,9 @@ class EndToEnd : public testing::Test {
     // connect have been heard.
     testing::AssertionResult Open(Link link, std::vector<std::string> options = {});
 
-    // Has the printer say '0' and hears everything up to it. From then on the parser pauses for 200 ms, so that
-    // what the printer says next reaches it whole. Only once the printer has taken something from this link.
+    // Has the printer say '0' and hears everything up to it. From then on the parser pauses for 200 ms, so
+    // that what the printer says next reaches it whole. Only once the printer has taken something from this
+    // link.
     void Settle();
 
     // Open, until the printer has taken something, and Settle.
@@ -62,8 +63,8 @@ std::string ParameterName(const testing::TestParamInfo<Parameter> &info) {
 
 } // namespace endtoend
 
-// Runs the suite's tests over serial and TCP, plain and framed; once plain and once framed, where the kind of link
-// makes no difference; over serial and TCP.
+// Runs the suite's tests over serial and TCP, plain and framed; once plain and once framed, where the kind of
+// link makes no difference; over serial and TCP.
 #define NADREL_ON_EVERY_LINK(suite)                                                                          \
     INSTANTIATE_TEST_SUITE_P(, suite, testing::ValuesIn(endtoend::kEveryLink), endtoend::ParameterName<Link>)
 #define NADREL_IN_BOTH_FORMS(suite)                                                                          \

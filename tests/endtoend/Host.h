@@ -45,7 +45,8 @@ int32_t Connect(const VirtualPrinter &printer, Link link);
 // Appends a line of text and its line feed, and prints the spool: PrintSpool's result.
 int32_t PrintLine(const std::string &text);
 
-// Prints the spool again and again, until the link report tells of a failed write; not for ever. The last result.
+// Prints the spool again and again, until the link report tells of a failed write; not for ever. The last
+// result.
 int32_t PrintUntilAnError();
 
 NadrelLinkReport Report();

@@ -12,8 +12,8 @@ class Talking : public OnEveryLink {
   protected:
     void Begin(std::vector<std::string> options = {}) { Meet(GetParam(), std::move(options)); }
 
-    // What is heard when the printer sends these bytes at once. The one heard before has just begun a pause of the
-    // parser, so that they come to it whole.
+    // What is heard when the printer sends these bytes at once. The one heard before has just begun a pause
+    // of the parser, so that they come to it whole.
     Notification HeardOf(const std::string &hex) {
         Printer().Say("send " + hex);
         return heard.Next();

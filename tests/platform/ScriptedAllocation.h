@@ -5,7 +5,8 @@
 // Memory that runs out when a test wants it to.
 namespace scripted::allocation {
 
-// False where the sanitizer's runtime insists on its own operator new; no allocation can be made to fail then.
+// False where the sanitizer's runtime insists on its own operator new; no allocation can be made to fail
+// then.
 bool CanFail();
 
 // The next allocation of a size within the range, by the calling thread, fails.
