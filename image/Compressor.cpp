@@ -1,6 +1,7 @@
 #include "image/Compressor.h"
 
 #include "image/BandDither.h"
+#include "image/EqualNeighbours.h"
 
 #include <algorithm>
 #include <bit>
@@ -13,27 +14,6 @@ constexpr size_t kLongestToken = 58;
 constexpr size_t kShortestRun = 4;
 constexpr uint8_t kLiteral = 0x80;
 constexpr uint8_t kRun = 0xC0;
-
-// Eight bytes of 0 and 1 as eight bits, the first one lowest: the product's highest byte gathers them.
-uint64_t GatherBits(const uint8_t *bytes) {
-    constexpr bool firstIsLowest = std::endian::native == std::endian::little;
-    uint64_t word;
-    std::memcpy(&word, bytes, sizeof word);
-    return word * (firstIsLowest ? 0x0102040810204080 : 0x8040201008040201) >> 56;
-}
-
-// A bit for each of 64 bytes, the lowest first: whether it equals the byte behind it.
-uint64_t EqualNeighbours(const uint8_t *bytes) {
-    if (std::memcmp(bytes, bytes + 1, 64) == 0) // long runs are frequent
-        return ~uint64_t{0};
-    uint8_t equal[64];
-    for (size_t i = 0; i < 64; ++i)
-        equal[i] = bytes[i] == bytes[i + 1];
-    uint64_t bits = 0;
-    for (size_t i = 0; i < 64; i += 8)
-        bits |= GatherBits(equal + i) << i;
-    return bits;
-}
 
 // Finds where runs of two and more equal bytes begin and end in a band.
 class RunFinder {
@@ -104,9 +84,20 @@ size_t Compressor::EmitRunWithLiteral(const uint8_t *band, size_t literal, size_
 }
 
 void Compressor::EmitRun(uint8_t value, size_t count) {
-    for (; count > kLongestToken; count -= kLongestToken)
-        EmitRunToken(value, kLongestToken);
+    if (count > kLongestToken) {
+        const size_t full = (count - 1) / kLongestToken;
+        EmitFullRuns(value, full);
+        count -= full * kLongestToken;
+    }
     EmitRunToken(value, count);
+}
+
+void Compressor::EmitFullRuns(uint8_t value, size_t tokens) {
+    uint8_t *to = output.Claim(2 * tokens);
+    for (; to != nullptr && tokens > 0; --tokens, to += 2) {
+        to[0] = static_cast<uint8_t>(kRun + kLongestToken);
+        to[1] = value;
+    }
 }
 
 void Compressor::EmitLiteral(const uint8_t *bytes, size_t count) {

@@ -27,6 +27,7 @@ class Compressor {
 
   private:
     size_t EmitRunWithLiteral(const uint8_t *band, size_t literal, size_t runBegin, size_t runEnd);
+    void EmitFullRuns(uint8_t value, size_t tokens);
     void EmitRunToken(uint8_t value, size_t count);
     void EmitLiteralToken(const uint8_t *bytes, size_t count);
 
