@@ -129,6 +129,13 @@ TEST_F(ResponseParserTest, AStatusIsPostedAsS) {
     EXPECT_EQ(0, StatusPending);
 }
 
+TEST_F(ResponseParserTest, WhatWasQueuedBeforeTheQuestionAnswersItAllTheSame) {
+    Queue({0x16});
+    GetFirmwareVersion();
+    EXPECT_THAT(RepliesTo({}), ElementsAre("D 1 response 16"));
+    EXPECT_EQ(0, FirmwarePending);
+}
+
 TEST_F(ResponseParserTest, AFirmwareVersionIsPostedAsD) {
     FirmwarePending = 1;
     EXPECT_THAT(RepliesTo({'1', '.', '2'}), ElementsAre("D 3 response 31 2E 32"));
