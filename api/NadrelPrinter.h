@@ -413,17 +413,16 @@ NADREL_API int32_t NADREL_CALL PrintSpoolForTTF(const NadrelChar *text, uint8_t 
  * RASTER
  *
  * Pictures from uncompressed Windows bitmap files (BMP) of 1 or 24 bits a pixel, printed from their top row
- * down in bands of 24 lines, a dot for a pixel. Files of other depths append nothing, pictures stored from
- * the top down (a negative height) only the commands around the bands. 24-bit pictures are reduced to black
+ * down in bands of 24 lines, a dot for a pixel. Files of other depths append nothing; pictures stored from
+ * the top down (a negative height) count as pictures without lines. 24-bit pictures are reduced to black
  * and white: lightened (gamma 0.5), then dithered. The palette of a 1-bit file is not looked at.
  *
  * W and H are the picture's width and height, b = 4 x ceil(W / 32) the bytes of a line of dots. The highest
- * bit is the leftmost dot; a set bit prints. b, n and the rest of a position go out as single bytes without a
- * test: no printer takes b above 255.
+ * bit is the leftmost dot; a set bit prints. b and n go out as their low bytes, without a test.
  *
  * File names are UTF-16, on Linux turned into UTF-8. Only regular files are opened. A file cannot be loaded
  * when it is shorter than its own header says, when the picture's width is negative, or when a band of it
- * would be larger than all that the file holds. Pixel bytes that the file does not hold, or that the header's
+ * takes more than 256 KB and more than the file holds. Pixel bytes that the file does not hold, or that the header's
  * biSizeImage does not count, are 0.
  *
  * Through the link; each stores its result. A picture is appended whole or not at all.

@@ -1,8 +1,8 @@
 #include "api/NadrelPrinter.h"
 
 #include "devices/Request.h"
-#include "link/Connection.h"
 #include "link/Pacing.h"
+#include "spool/Guarded.h"
 #include "spool/Spool.h"
 
 using namespace nadrel;

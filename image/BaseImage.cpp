@@ -1,5 +1,7 @@
 #include "image/BaseImage.h"
 
+#include "spool/Guarded.h"
+
 #include <algorithm>
 #include <limits>
 #include <new>
@@ -17,6 +19,8 @@ struct RowLayout {
 // Odd widths at 4 bits and widths that are no multiple of 8 at 1 bit lose their last pixels. The 1-bit form
 // tests the height where the width would be expected: images have always been made so.
 std::optional<RowLayout> LayoutOf(int32_t width, int32_t height, uint32_t colours) {
+    if (width < 0 || height < 0)
+        return std::nullopt;
     if (colours == 256)
         return RowLayout{8, width};
     if (colours == 16 && width >= 2)
@@ -50,46 +54,55 @@ RGBQUAD TableEntryAt(std::span<const uint8_t> content, size_t place) {
     return {content[place], content[place + 1], content[place + 2], content[place + 3]};
 }
 
-bool Allocate(std::vector<uint8_t> &zeros, size_t count) {
-    try {
-        zeros.assign(count, 0);
-    } catch (const std::bad_alloc &) {
-        return false;
-    }
-    return true;
+// Where in a file of so many colours the pixel rows begin.
+uint32_t BitsOffset(uint32_t colours) {
+    return kFileHeaderBytes + kInfoHeaderBytes + colours * uint32_t{sizeof(RGBQUAD)};
 }
 
 } // namespace
 
 std::unique_ptr<BaseImage> BaseImage::CreateFromColourTable(int32_t width, int32_t height,
                                                             const std::array<COLORREF, 256> &table) {
-    auto image = std::make_unique<BaseImage>();
-    if (image->SetupHeader(width, height, 256) == 0 || !image->AllocateBits() || !image->NewPalette())
+    std::unique_ptr<BaseImage> image(new (std::nothrow) BaseImage);
+    if (image == nullptr || Guarded([&] { return image->MakeFromColourTable(width, height, table); }) == 0)
         return nullptr;
-    for (size_t i = 0; i < table.size(); ++i)
-        image->SetEntry(i, Red(table[i]), Green(table[i]), Blue(table[i]));
-    constexpr uint32_t bitsOffset = 1078;
-    image->fileHeader = {kBitmapType, static_cast<uint32_t>(image->bits.size()) + bitsOffset, 0, 0,
-                         bitsOffset};
     return image;
 }
 
+int32_t BaseImage::MakeFromColourTable(int32_t width, int32_t height,
+                                       const std::array<COLORREF, 256> &table) {
+    if (SetupHeader(width, height, 256) == 0)
+        return 0;
+    AllocateBits();
+    NewPalette();
+    for (size_t i = 0; i < table.size(); ++i)
+        SetEntry(i, Red(table[i]), Green(table[i]), Blue(table[i]));
+    FillFileHeader();
+    return 1;
+}
+
 int32_t BaseImage::LoadBmp(const char16_t *name) {
-    KeepName(name);
+    return Guarded([=, this] { return Load(name); });
+}
+
+int32_t BaseImage::Load(const char16_t *name) {
     BmpFile file;
-    if (!file.Open(name) || !TakeContent(file))
+    if (!KeepName(name) || !file.Open(name) || !TakeContent(file))
         return 0;
     return colourCount == 0 ? 1 : BuildPalette(true);
 }
 
 bool BaseImage::TakeContent(const BmpFile &file) {
-    std::vector<uint8_t> content;
-    if (!Allocate(content, file.ContentBytes()) || !file.ReadContent(0, content.data(), file.ContentBytes()))
+    std::vector<uint8_t> content(file.ContentBytes());
+    if (!file.ReadContent(0, content.data(), file.ContentBytes()))
         return false;
+    const BITMAPINFOHEADER header = DecodeInfoHeader(std::span(content).first<kInfoHeaderBytes>());
+    colourTable.assign(ColourCountOf(header.biBitCount) + 1, {});
+    colourCount = ColourCountOf(header.biBitCount);
     fileHeader = file.FileHeader();
-    info = DecodeInfoHeader(std::span(content).first<kInfoHeaderBytes>());
-    colourCount = ColourCountOf(info->biBitCount);
-    colourTable.assign(colourCount + 1, {});
+    info = header;
+    palette.reset();
+    logicalPalette.reset();
     for (size_t i = 0; i < colourCount; ++i)
         colourTable[i] = TableEntryAt(content, kInfoHeaderBytes + i * sizeof(RGBQUAD));
     buffer = std::move(content);
@@ -98,22 +111,33 @@ bool BaseImage::TakeContent(const BmpFile &file) {
     return true;
 }
 
-void BaseImage::KeepName(const char16_t *name) {
+// False when the name is longer than is kept: the file of that name could not be saved again.
+bool BaseImage::KeepName(const char16_t *name) {
     fileName = name == nullptr ? u"" : name;
-    if (fileName.size() >= kFileNameUnits)
-        fileName.resize(kFileNameUnits - 1);
+    if (fileName.size() < kFileNameUnits)
+        return true;
+    fileName.resize(kFileNameUnits - 1);
+    return false;
 }
 
 int32_t BaseImage::SaveBmp(const char16_t *name) {
-    if (name != nullptr)
-        KeepName(name);
+    return Guarded([=, this] { return Save(name); });
+}
+
+int32_t BaseImage::Save(const char16_t *name) {
+    if (name != nullptr && !KeepName(name))
+        return 0;
     if (!info || info->biSizeImage > bits.size())
         return 0;
-    const uint32_t bitsOffset = 54 + colourCount * uint32_t{sizeof(RGBQUAD)};
-    fileHeader = {kBitmapType, bitsOffset + info->biSizeImage, 0, 0, bitsOffset};
+    FillFileHeader();
     platform::File file;
     file.Open(fileName.c_str(), platform::FileUse::rewrite);
     return WriteTo(file) ? 1 : 0;
+}
+
+void BaseImage::FillFileHeader() {
+    const uint32_t offset = BitsOffset(colourCount);
+    fileHeader = {kBitmapType, offset + info->biSizeImage, 0, 0, offset};
 }
 
 bool BaseImage::WriteTo(platform::File &file) const {
@@ -134,10 +158,11 @@ int32_t BaseImage::CreateBlank(int32_t width, int32_t height, uint32_t colours, 
         return 0;
     if (withPalette && BuildPalette(false) == 0)
         return 0;
-    if (!AllocateBits())
-        return 0;
-    Fill(fill);
-    return 1;
+    return Guarded([=, this] {
+        AllocateBits();
+        Fill(fill);
+        return 1;
+    });
 }
 
 void BaseImage::Fill(COLORREF fill) {
@@ -158,13 +183,17 @@ void BaseImage::FillWithTriples(COLORREF fill) {
 }
 
 int32_t BaseImage::SetupHeader(int32_t width, int32_t height, uint32_t colours) {
+    return Guarded([=, this] { return SetUp(width, height, colours); });
+}
+
+int32_t BaseImage::SetUp(int32_t width, int32_t height, uint32_t colours) {
     const std::optional<RowLayout> layout = LayoutOf(width, height, colours);
-    if (!layout || width < 0 || height < 0)
+    if (!layout)
         return 0;
     const uint32_t padding = PaddingOf(layout->rowBytes);
     const uint64_t imageBytes =
         (static_cast<uint64_t>(layout->rowBytes) + padding) * static_cast<uint64_t>(height);
-    if (imageBytes > std::numeric_limits<uint32_t>::max())
+    if (imageBytes + BitsOffset(colours) > std::numeric_limits<uint32_t>::max())
         return 0;
     colourTable.assign(colours + 1, {});
     info = BITMAPINFOHEADER{.biSize = uint32_t{kInfoHeaderBytes},
@@ -178,11 +207,9 @@ int32_t BaseImage::SetupHeader(int32_t width, int32_t height, uint32_t colours) 
     return 1;
 }
 
-bool BaseImage::AllocateBits() {
-    if (!Allocate(buffer, info->biSizeImage))
-        return false;
+void BaseImage::AllocateBits() {
+    buffer.assign(info->biSizeImage, 0);
     bits = buffer;
-    return true;
 }
 
 Size BaseImage::GetSize() const {

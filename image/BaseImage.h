@@ -39,8 +39,9 @@ class BaseImage {
     static std::unique_ptr<BaseImage> CreateFromColourTable(int32_t width, int32_t height,
                                                             const std::array<COLORREF, 256> &table);
 
-    // Loads 1-, 4-, 8- and 24-bit files. A colour table or rows that the file does not hold are zeros. On
-    // failure the picture of before stays. The name is cut to 511 characters; null names no file.
+    // Loads 1-, 4-, 8- and 24-bit files. A colour table or rows that the file does not hold are zeros. A
+    // picture that cannot be loaded leaves the one of before. Names have at most 511 characters: a longer one
+    // is kept cut and names no file, and neither does null.
     int32_t LoadBmp(const char16_t *name);
 
     // Null keeps the name last loaded or saved. Fails for an image whose header claims more pixel bytes than
@@ -84,13 +85,20 @@ class BaseImage {
     platform::DisplayBitmap *DisplayBitmap() const { return displayBitmap; }
 
   private:
+    int32_t MakeFromColourTable(int32_t width, int32_t height, const std::array<COLORREF, 256> &table);
+    int32_t Load(const char16_t *name);
     bool TakeContent(const BmpFile &file);
-    void KeepName(const char16_t *name);
+    bool KeepName(const char16_t *name);
+    int32_t Save(const char16_t *name);
+    void FillFileHeader();
     bool WriteTo(platform::File &file) const;
-    bool AllocateBits();
+    int32_t SetUp(int32_t width, int32_t height, uint32_t colours);
+    void AllocateBits();
     void Fill(COLORREF fill);
     void FillWithTriples(COLORREF fill);
-    bool NewPalette();
+    void NewPalette();
+    int32_t MakePalette(bool fromColourTable);
+    int32_t SelectSystemPalette(platform::DeviceContext *context);
     void SetEntry(size_t index, uint8_t red, uint8_t green, uint8_t blue);
     int32_t BuildColourCube();
 

@@ -1,5 +1,7 @@
 #include "image/BaseImage.h"
 
+#include "spool/Guarded.h"
+
 namespace nadrel {
 namespace {
 
@@ -26,6 +28,11 @@ int32_t BaseImage::RealizeInto(int32_t, int32_t, platform::DeviceContext *contex
 }
 
 int32_t BaseImage::UseSystemPalette(platform::DeviceContext *context) {
+    return Guarded([=, this] { return SelectSystemPalette(context); });
+}
+
+// The palette of before may still be selected: it goes only when the new one has taken its place.
+int32_t BaseImage::SelectSystemPalette(platform::DeviceContext *context) {
     const uint32_t abilities = platform::GetCapability(context, platform::Capability::rasterCapabilities);
     if (colourCount == 0 || (abilities & platform::kPaletteDevice) == 0)
         return 0;
@@ -34,8 +41,10 @@ int32_t BaseImage::UseSystemPalette(platform::DeviceContext *context) {
         return 0;
     LOGPALETTE system(size);
     platform::GetSystemPaletteEntries(context, 0, std::span(system.palPalEntry).first(size));
-    systemPalette.CreatePalette(system);
-    platform::SelectPalette(context, systemPalette.Handle(), true);
+    CPalette made;
+    made.CreatePalette(system);
+    platform::SelectPalette(context, made.Handle(), true);
+    systemPalette = std::move(made);
     return 1;
 }
 

@@ -1,13 +1,17 @@
 #include "image/BaseImage.h"
 
+#include "spool/Guarded.h"
+
 #include <algorithm>
-#include <new>
 
 namespace nadrel {
 
 int32_t BaseImage::BuildPalette(bool fromColourTable) {
-    if (!NewPalette())
-        return 0;
+    return Guarded([=, this] { return MakePalette(fromColourTable); });
+}
+
+int32_t BaseImage::MakePalette(bool fromColourTable) {
+    NewPalette();
     if (!fromColourTable)
         return BuildColourCube();
     for (size_t i = 0; i < colourCount; ++i) {
@@ -17,16 +21,11 @@ int32_t BaseImage::BuildPalette(bool fromColourTable) {
     return palette->CreatePalette(*logicalPalette) ? 1 : 0;
 }
 
-bool BaseImage::NewPalette() {
+void BaseImage::NewPalette() {
     palette.reset();
     logicalPalette.reset();
-    try {
-        logicalPalette = std::make_unique<LOGPALETTE>(colourCount);
-        palette = std::make_unique<CPalette>();
-    } catch (const std::bad_alloc &) {
-        return false;
-    }
-    return true;
+    logicalPalette = std::make_unique<LOGPALETTE>(colourCount);
+    palette = std::make_unique<CPalette>();
 }
 
 // Writes the palette's entry and the colour table's; the latter keeps its reserved byte.

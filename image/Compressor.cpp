@@ -10,7 +10,6 @@
 namespace nadrel {
 namespace {
 
-constexpr size_t kLongestToken = 58;
 constexpr size_t kShortestRun = 4;
 constexpr uint8_t kLiteral = 0x80;
 constexpr uint8_t kRun = 0xC0;

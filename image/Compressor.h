@@ -11,6 +11,9 @@ namespace nadrel {
 // block written.
 inline constexpr size_t kCompressorSlack = 72;
 
+// Bytes that one token stands for at most.
+inline constexpr size_t kLongestToken = 58;
+
 // Run-length compression of bands. Tokens are a control byte and its data:
 //     80 + n, n = 1..58: the n bytes that follow
 //     C0 + n, n = 4..58: the byte that follows, n times

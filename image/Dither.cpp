@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <limits>
 #include <new>
 #include <utility>
 
@@ -73,6 +74,9 @@ size_t NearestColour(int32_t red, int32_t green, int32_t blue, size_t count) {
     return nearest;
 }
 
+// What an error row can hold where addresses have 32 bits.
+constexpr size_t kMostPixels = std::numeric_limits<size_t>::max() / (3 * sizeof(int32_t));
+
 std::unique_ptr<int32_t[]> NewErrorRow(int32_t width) {
     return std::unique_ptr<int32_t[]>(new (std::nothrow) int32_t[static_cast<size_t>(width) * 3]);
 }
@@ -83,7 +87,7 @@ Dither::Dither() : kernel(&kKernels[kDefaultKernel]), gammaTable(MakeGammaTable(
 
 int32_t Dither::Begin(int32_t pixels, int32_t index, double newGamma) {
     Release();
-    if (pixels < 0)
+    if (pixels < 0 || static_cast<size_t>(pixels) > kMostPixels)
         return 0;
     width = pixels;
     errorRowA = NewErrorRow(width);

@@ -15,23 +15,24 @@ int32_t RowsOfAPiece(uint32_t stride, int32_t rows) {
     return static_cast<int32_t>(std::min<uint64_t>(most, static_cast<uint64_t>(rows)));
 }
 
-uint64_t AvailableBytes(const BmpFile &file, const BITMAPINFOHEADER &info) {
+// Of the file, behind the place where the pixel rows begin.
+uint64_t HeldBytes(const BmpFile &file, const BITMAPINFOHEADER &info) {
     const uint64_t place = BitsPlace(info);
-    const uint64_t behind = file.ContentBytes() > place ? file.ContentBytes() - place : 0;
-    return std::min<uint64_t>(behind, info.biSizeImage);
+    return file.ContentBytes() > place ? file.ContentBytes() - place : 0;
 }
 
 } // namespace
 
 PixelRows::PixelRows(const BmpFile &bitmap, const BITMAPINFOHEADER &info, uint32_t rowStride, int32_t rows)
-    : file(bitmap), bitsPlace(BitsPlace(info)), available(AvailableBytes(bitmap, info)), stride(rowStride),
+    : file(bitmap), bitsPlace(BitsPlace(info)),
+      available(std::min<uint64_t>(HeldBytes(bitmap, info), info.biSizeImage)), stride(rowStride),
       pieceRows(RowsOfAPiece(rowStride, rows)), left(rows),
       piece(std::make_unique_for_overwrite<uint8_t[]>(static_cast<size_t>(pieceRows) * rowStride)) {}
 
 bool PixelRows::AreBacked(const BmpFile &bitmap, const BITMAPINFOHEADER &info, uint64_t stride,
                           int32_t rows) {
     const auto bandRows = static_cast<uint64_t>(std::clamp(rows, 0, kBandLines));
-    return bandRows * stride <= std::max(kPieceBytes, AvailableBytes(bitmap, info));
+    return bandRows * stride <= std::max(kPieceBytes, HeldBytes(bitmap, info));
 }
 
 bool PixelRows::Next(BandRows &band) {
@@ -45,13 +46,16 @@ bool PixelRows::Next(BandRows &band) {
 }
 
 bool PixelRows::FillPiece() {
-    held = std::min(pieceRows, left);
-    const uint64_t from = static_cast<uint64_t>(left - held) * stride;
-    const uint64_t wanted = static_cast<uint64_t>(held) * stride;
+    const int32_t rows = std::min(pieceRows, left);
+    const uint64_t from = static_cast<uint64_t>(left - rows) * stride;
+    const uint64_t wanted = static_cast<uint64_t>(rows) * stride;
     const uint64_t there = from < available ? std::min(wanted, available - from) : 0;
     std::memset(piece.get() + there, 0, static_cast<size_t>(wanted - there));
-    return there == 0 || file.ReadContent(static_cast<uint32_t>(bitsPlace + from), piece.get(),
-                                          static_cast<uint32_t>(there));
+    if (there > 0 &&
+        !file.ReadContent(static_cast<uint32_t>(bitsPlace + from), piece.get(), static_cast<uint32_t>(there)))
+        return false;
+    held = rows;
+    return true;
 }
 
 } // namespace nadrel

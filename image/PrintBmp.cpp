@@ -10,6 +10,7 @@ namespace {
 
 // Bytes of the commands around the lines of dots.
 constexpr int64_t kPrologue = 7, kEpilogue = 2, kPosition = 6, kBandHeader = 5, kShortBand = 3, kLineFeed = 1;
+constexpr int64_t kCompressedPrologue = 4, kBandTrailer = 4, kRunToken = 2;
 
 int32_t LengthOf(const RasterOutput &output) {
     return output.Fits() ? output.Length() : static_cast<int32_t>(ERR_SPOOL_LIMIT);
@@ -80,6 +81,15 @@ int64_t PrintBmp::RasterBytes(RasterForm form) const {
     return kPrologue + whole * band + rest + kEpilogue;
 }
 
+int64_t PrintBmp::FewestCompressedBytes() const {
+    if (!MakesBands())
+        return 0;
+    const int64_t bands = int64_t{Height()} / kBandLines + 1;
+    const int64_t bytes = int64_t{Height()} * static_cast<int64_t>(LineBytes());
+    return kCompressedPrologue + bands * (kBandHeader + kBandTrailer) +
+           bytes / int64_t{kLongestToken} * kRunToken;
+}
+
 int32_t PrintBmp::MakeRaster(RasterForm form, std::span<uint8_t> destination) {
     if (!loaded)
         return kNotLoaded;
@@ -118,6 +128,8 @@ int32_t PrintBmp::MakeCompressedRaster(std::span<uint8_t> destination) {
         return kNotLoaded;
     if (!MakesBands())
         return 0;
+    if (FewestCompressedBytes() > static_cast<int64_t>(destination.size()))
+        return ERR_SPOOL_LIMIT;
     const auto bandLines = static_cast<size_t>(std::min(Height(), kBandLines));
     const auto lines = std::make_unique<uint8_t[]>(bandLines * LineBytes() + kCompressorSlack);
     RasterOutput output(destination);

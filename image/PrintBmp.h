@@ -39,6 +39,8 @@ class PrintBmp {
 
     // The bytes that MakeRaster makes.
     int64_t RasterBytes(RasterForm form) const;
+    // The fewest bytes that MakeCompressedRaster can make: for a picture of one colour.
+    int64_t FewestCompressedBytes() const;
 
     // Writes the commands to `destination`.
     int32_t MakeRaster(RasterForm form, std::span<uint8_t> destination);

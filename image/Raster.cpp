@@ -1,5 +1,6 @@
 #include "image/Compressor.h"
 #include "image/PrintBmp.h"
+#include "spool/Guarded.h"
 #include "spool/Spool.h"
 
 #include <algorithm>
@@ -51,16 +52,6 @@ int32_t AppendCompressedRaster(const NadrelChar *path) {
         return kCannotLoad;
     return AppendCommands(picture,
                           [&](std::span<uint8_t> block) { return picture.MakeCompressedRaster(block); });
-}
-
-// No exception leaves the library; 0 stands for one.
-template <typename Body>
-int32_t Guarded(Body body) {
-    try {
-        return body();
-    } catch (...) {
-        return 0;
-    }
 }
 
 } // namespace

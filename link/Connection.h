@@ -22,14 +22,4 @@ int32_t FailConnect(int32_t result);
 // Gives back the socket of a wireless connect, with its handle if that is still open.
 void DisposeOfSocket();
 
-// Runs the body of an exported function: no exception leaves it, 0 stands for one.
-template <typename Body>
-int32_t Guarded(Body body) {
-    try {
-        return body();
-    } catch (...) {
-        return 0;
-    }
-}
-
 } // namespace nadrel

@@ -3,6 +3,7 @@
 #include "link/Connection.h"
 #include "link/Pacing.h"
 #include "platform/TextConversion.h"
+#include "spool/Guarded.h"
 #include "spool/State.h"
 
 #include <string>

@@ -3,6 +3,7 @@
 #include "link/Connection.h"
 #include "link/MySocket.h"
 #include "link/Pacing.h"
+#include "spool/Guarded.h"
 #include "spool/State.h"
 
 #include <new>

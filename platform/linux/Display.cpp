@@ -1,5 +1,6 @@
 #include "platform/Display.h"
 
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -27,7 +28,13 @@ class DeviceContext {
 
 Palette *CreatePalette(std::span<const PaletteEntry> entries) {
     constexpr size_t most = 65535;
-    return entries.empty() || entries.size() > most ? nullptr : new Palette(entries);
+    if (entries.empty() || entries.size() > most)
+        return nullptr;
+    try {
+        return new Palette(entries);
+    } catch (const std::bad_alloc &) {
+        return nullptr;
+    }
 }
 
 void DeletePalette(Palette *palette) {
@@ -35,11 +42,11 @@ void DeletePalette(Palette *palette) {
 }
 
 DeviceContext *CreateDisplayContext() {
-    return new DeviceContext;
+    return new (std::nothrow) DeviceContext;
 }
 
 DeviceContext *CreateMemoryContext(DeviceContext *like) {
-    return like == nullptr ? nullptr : new DeviceContext;
+    return like == nullptr ? nullptr : new (std::nothrow) DeviceContext;
 }
 
 void DeleteContext(DeviceContext *context) {
@@ -65,7 +72,7 @@ uint32_t RealizePalette(DeviceContext *) {
 }
 
 DisplayBitmap *CreateCompatibleBitmap(DeviceContext *context, int32_t width, int32_t height) {
-    return context == nullptr ? nullptr : new DisplayBitmap{width, height};
+    return context == nullptr ? nullptr : new (std::nothrow) DisplayBitmap{width, height};
 }
 
 void DeleteBitmap(DisplayBitmap *bitmap) {

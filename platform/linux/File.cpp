@@ -40,6 +40,15 @@ ssize_t TransferAll(uint32_t count, Transfer transfer) {
     return done;
 }
 
+// Opening alone can do something to a device, or let go a program that waits at the other end of a pipe.
+bool MayOpen(const std::string &path, FileUse use) {
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0)
+        return use == FileUse::rewrite && errno == ENOENT;
+    errno = EINVAL;
+    return S_ISREG(status.st_mode);
+}
+
 } // namespace
 
 File::~File() {
@@ -49,6 +58,8 @@ File::~File() {
 bool File::Open(const char16_t *name, FileUse use) {
     Close();
     const std::string path = ToSystemText(name);
+    if (!MayOpen(path, use))
+        return Fail(errno);
     const int flags = use == FileUse::read ? kReadFlags : kRewriteFlags;
     const int descriptor = Uninterrupted([&] { return open(path.c_str(), flags, 0666); });
     if (descriptor < 0)

@@ -131,6 +131,14 @@ TEST_P(BandDitherTest, ARowOfBlackAndWhiteStopsTheErrorsWhereverItStands) {
         })) << pure;
 }
 
+TEST_P(BandDitherTest, AWholeBandOfBlackAndWhiteStopsTheErrors) {
+    Random random(7);
+    for (int32_t band = 0; band < 3; ++band)
+        EXPECT_TRUE(IsRight(50, 24 * 4, [&](int32_t, int32_t y) {
+            return y / 24 == band ? Grey(random() % 2 * 255) : Grey(100 + random() % 40);
+        })) << band;
+}
+
 TEST_P(BandDitherTest, ARowOfPureColoursDoesNotStopTheErrors) {
     for (const Pixel pixel :
          {Pixel{255, 0, 0}, Pixel{0, 255, 0}, Pixel{0, 0, 255}, Pixel{255, 255, 0}, Pixel{0, 255, 255}})

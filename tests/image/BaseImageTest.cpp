@@ -116,6 +116,38 @@ TEST_F(BaseImageTest, LoadsOtherDepthsAsIfTheyHadNoPalette) {
     Give(deep);
     EXPECT_EQ(image.LoadBmp(kName), 1);
     EXPECT_EQ(image.ColourCount(), 0U);
+    EXPECT_EQ(image.Palette(), nullptr);
+    EXPECT_EQ(image.LogicalPalette(), nullptr);
+}
+
+TEST_F(BaseImageTest, A24BitFileLoadsWithoutThePaletteOfThePictureBefore) {
+    Give(PaletteFile());
+    BaseImage image;
+    ASSERT_EQ(image.LoadBmp(kName), 1);
+    ASSERT_NE(image.Palette(), nullptr);
+    Give(ColourFile());
+    ASSERT_EQ(image.LoadBmp(kName), 1);
+    EXPECT_EQ(image.Palette(), nullptr);
+    EXPECT_EQ(image.FindColourIndex(0), -1);
+}
+
+TEST_F(BaseImageTest, WithoutMemoryOperationsGive0) {
+    if (!allocation::CanFail())
+        GTEST_SKIP() << "the sanitizer's runtime allocates";
+    const auto failEach = [](auto operation) {
+        int points = 0;
+        for (int32_t result = 0; result == 0; ++points) {
+            allocation::FailNth(points + 1, 1000, kMost);
+            result = operation();
+        }
+        allocation::Allow();
+        return points - 1;
+    };
+    Give(PaletteFile());
+    EXPECT_GE(failEach([] { return BaseImage().LoadBmp(kName); }), 3); // content, table, palette
+    EXPECT_GE(failEach([] { return BaseImage().SetupHeader(8, 8, 256); }), 1);
+    EXPECT_GE(failEach([] { return BaseImage().CreateBlank(40, 40, 256, true, 0); }), 3);
+    EXPECT_GE(failEach([] { return BaseImage::CreateFromColourTable(40, 40, {}) != nullptr ? 1 : 0; }), 3);
 }
 
 TEST_F(BaseImageTest, LoadFailsWhenTheSystemRefusesThePalette) {
@@ -237,7 +269,8 @@ TEST_F(BaseImageTest, NoFileIsLoadedByANullName) {
 
 TEST_F(BaseImageTest, TheNameFieldHolds511Characters) {
     BaseImage image;
-    image.LoadBmp(std::u16string(600, u'n').c_str());
+    files.Put(std::u16string(600, u'n'), ColourFile().Bytes());
+    EXPECT_EQ(image.LoadBmp(std::u16string(600, u'n').c_str()), 0) << "it could not be saved again";
     EXPECT_EQ(image.FileName(), std::u16string(511, u'n'));
     image.LoadBmp(std::u16string(511, u'm').c_str());
     EXPECT_EQ(image.FileName(), std::u16string(511, u'm'));
@@ -374,6 +407,7 @@ TEST_F(BaseImageTest, SetupFailsForSizesThatNoFileCanHave) {
     for (const uint32_t colours : {0U, 2U, 16U, 256U}) {
         EXPECT_EQ(image.SetupHeader(kMost, kMost, colours), 0) << colours;
         EXPECT_EQ(image.SetupHeader(-8, 8, colours), 0) << colours;
+        EXPECT_EQ(image.SetupHeader(std::numeric_limits<int32_t>::min(), 1, colours), 0) << colours;
         EXPECT_EQ(image.SetupHeader(8, -8, colours), 0) << colours;
     }
 }

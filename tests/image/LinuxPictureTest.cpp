@@ -4,8 +4,13 @@
 #include "tests/image/BmpBuilder.h"
 #include "tests/image/TemporaryFolder.h"
 
+#include <cerrno>
 #include <gtest/gtest.h>
+#include <sys/inotify.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
 #include <vector>
 
 // Pictures from files on a disk.
@@ -31,6 +36,12 @@ class LinuxPicture : public testing::Test {
     TemporaryFolder folder;
 };
 
+long LargestResidentKilobytes() {
+    rusage usage = {};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
 } // namespace
 
 TEST_F(LinuxPicture, IsPrintedFromAFileWithAnyName) {
@@ -48,18 +59,34 @@ TEST_F(LinuxPicture, DirectoriesDevicesAndPipesAreMinusOneAtOnce) {
 }
 
 TEST_F(LinuxPicture, AFileOfHolesTakesNoMemory) {
-    BmpBuilder builder = BmpBuilder::Colour(20, 20, [](int32_t, int32_t) { return kWhite; });
-    builder.width = 20000;
-    builder.height = 50000;
-    builder.claimedFileBytes = 54 + 3000000000;
-    builder.claimedImageBytes = 3000000000;
-    folder.Put("huge.bmp", builder.Bytes());
-    std::error_code failed;
-    std::filesystem::resize_file(folder.Path("huge.bmp"), 54 + 3000000000, failed);
-    if (failed)
-        GTEST_SKIP() << "the disk takes no file of 3 GB";
-    EXPECT_EQ(PrintAll(folder.Name("huge.bmp")), ERR_SPOOL_LIMIT);
-    EXPECT_EQ(SpoolLength, 0);
+    constexpr int64_t pixelBytes = 3'000'000'000;
+    for (const auto &[width, height] : {std::pair(20000, 50000), std::pair(1'000'000'000, 1)}) {
+        BmpBuilder builder;
+        builder.width = width;
+        builder.height = height;
+        builder.claimedFileBytes = 54 + pixelBytes;
+        builder.claimedImageBytes = pixelBytes;
+        folder.Put("huge.bmp", builder.Bytes());
+        std::error_code failed;
+        std::filesystem::resize_file(folder.Path("huge.bmp"), 54 + pixelBytes, failed);
+        if (failed)
+            GTEST_SKIP() << "the disk takes no file of 3 GB";
+        const long before = LargestResidentKilobytes();
+        EXPECT_EQ(PrintAll(folder.Name("huge.bmp")), ERR_SPOOL_LIMIT);
+        EXPECT_EQ(SpoolLength, 0);
+        EXPECT_LT(LargestResidentKilobytes() - before, 16 * 1024);
+    }
+}
+
+TEST_F(LinuxPicture, NothingIsOpenedThatIsNoFile) {
+    ASSERT_EQ(mkfifo(folder.Path("pipe").c_str(), 0600), 0);
+    const int watch = inotify_init1(IN_NONBLOCK);
+    ASSERT_GE(inotify_add_watch(watch, folder.Path("pipe").c_str(), IN_OPEN), 0);
+    EXPECT_EQ(PrintAll(folder.Name("pipe")), -1);
+    inotify_event event;
+    EXPECT_EQ(read(watch, &event, sizeof event), -1);
+    EXPECT_EQ(errno, EAGAIN) << "the pipe was opened, which lets go a program that waits at its other end";
+    close(watch);
 }
 
 TEST_F(LinuxPicture, WhatAnImageSavesIsLoadedAndPrinted) {

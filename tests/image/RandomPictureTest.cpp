@@ -2,6 +2,10 @@
 #include "tests/image/PictureTest.h"
 #include "tests/image/RandomSeeds.h"
 
+#include "image/BandDither.h"
+
+#include <algorithm>
+
 namespace nadrel {
 
 namespace {
@@ -63,7 +67,10 @@ int32_t RandomWidth(Random &random) {
 
 // Around multiples of 24 as a rule.
 int32_t RandomHeight(Random &random) {
-    return static_cast<int32_t>(random() % 3 == 0 ? random() % 30 : random() % 3 * 24 + random() % 3);
+    if (random() % 3 == 0)
+        return static_cast<int32_t>(random() % 30);
+    const uint32_t bands = random() % 8 == 0 ? random() % 6 : random() % 3;
+    return static_cast<int32_t>(std::max(bands * 24 + random() % 3, 1U) - 1);
 }
 
 BmpBuilder RandomFile(Random &random) {
@@ -74,10 +81,11 @@ BmpBuilder RandomFile(Random &random) {
         return BmpBuilder::OneBit(width, height, [&](int32_t, int32_t) { return random() % density == 0; });
     }
     RandomRow row(random);
-    return BmpBuilder::Colour(width, height, [&](int32_t x, int32_t) {
+    const auto pureBand = static_cast<int32_t>(random() % 6); // which may lie behind the picture
+    return BmpBuilder::Colour(width, height, [&](int32_t x, int32_t y) {
         if (x == 0 && random() % 2 == 0)
             row.Change();
-        return row.At(x);
+        return y / kBandLines == pureBand ? Grey(random() % 2 * 255) : row.At(x);
     });
 }
 

@@ -50,8 +50,9 @@ Palette *CreatePalette(std::span<const PaletteEntry> entries) {
     Note("CreatePalette(" + std::to_string(entries.size()) + ")");
     if (entries.empty() || TheDisplay().refusesPalettes)
         return nullptr;
+    auto *const palette = new Palette{++TheDisplay().made, {entries.begin(), entries.end()}};
     ++TheDisplay().palettes;
-    return new Palette{++TheDisplay().made, {entries.begin(), entries.end()}};
+    return palette;
 }
 
 void DeletePalette(Palette *palette) {

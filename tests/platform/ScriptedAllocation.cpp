@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 #if defined(__clang__) && defined(__has_feature)
 #if __has_feature(thread_sanitizer)
@@ -11,7 +12,7 @@
 
 namespace {
 
-thread_local bool armed = false;
+thread_local int failIn = 0; // allocations within the range; 0: none fails
 thread_local size_t lowest = 0;
 thread_local size_t highest = 0;
 
@@ -28,13 +29,17 @@ bool CanFail() {
 }
 
 void FailNext(size_t atLeast, size_t atMost) {
-    lowest = atLeast;
-    highest = atMost;
-    armed = true;
+    FailNth(1, atLeast, atMost);
 }
 
-void Allow() {
-    armed = false;
+void FailNth(int nth, size_t atLeast, size_t atMost) {
+    lowest = atLeast;
+    highest = atMost;
+    failIn = nth;
+}
+
+bool Allow() {
+    return std::exchange(failIn, 0) > 0;
 }
 
 } // namespace scripted::allocation
@@ -44,10 +49,8 @@ void Allow() {
 namespace {
 
 void *AllocateOrNull(size_t size) noexcept {
-    if (armed && size >= lowest && size <= highest) {
-        armed = false;
+    if (failIn > 0 && size >= lowest && size <= highest && --failIn == 0)
         return nullptr;
-    }
     return std::malloc(size == 0 ? 1 : size);
 }
 

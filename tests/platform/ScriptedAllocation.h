@@ -11,9 +11,11 @@ bool CanFail();
 
 // The next allocation of a size within the range, by the calling thread, fails.
 void FailNext(size_t atLeast, size_t atMost);
+// The nth one does, counted from 1.
+void FailNth(int nth, size_t atLeast, size_t atMost);
 
-// No allocation fails.
-void Allow();
+// No allocation fails. True when none has that was to.
+bool Allow();
 
 } // namespace scripted::allocation
 
