@@ -422,8 +422,8 @@ NADREL_API int32_t NADREL_CALL PrintSpoolForTTF(const NadrelChar *text, uint8_t 
  *
  * File names are UTF-16, on Linux turned into UTF-8. Only regular files are opened. A file cannot be loaded
  * when it is shorter than its own header says, when the picture's width is negative, or when a band of it
- * takes more than 256 KB and more than the file holds. Pixel bytes that the file does not hold, or that the header's
- * biSizeImage does not count, are 0.
+ * takes more than 256 KB and more than the file holds. Pixel bytes that the file does not hold, or that the
+ * header's biSizeImage does not count, are 0.
  *
  * Through the link; each stores its result. A picture is appended whole or not at all.
  */

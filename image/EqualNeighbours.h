@@ -8,7 +8,8 @@
 #include <emmintrin.h>
 #endif
 
-// Where runs are: a bit for each of 64 bytes, the lowest first, whether it equals the byte behind it. 65 bytes are read.
+// Where runs are: a bit for each of 64 bytes, the lowest first, whether it equals the byte behind it. 65
+// bytes are read.
 namespace nadrel {
 
 // Eight bytes of 0 and 1 as eight bits, the first one lowest: the product's highest byte gathers them.
