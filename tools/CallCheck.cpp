@@ -1,5 +1,9 @@
 #include "tools/CallCheck.h"
 
+#include "tools/BitmapFile.h"
+
+#include <utf8.h>
+
 #include <algorithm>
 #include <limits>
 
@@ -89,9 +93,21 @@ Value CheckBytes(const Position &at, const Literal &literal) {
     return literal.bytes;
 }
 
-Value CheckArgument(const Position &at, const Literal &literal) {
+// The name with the folder before it, so that it is found from where the program works.
+Value CheckPicture(const Position &at, const Literal &literal, const std::filesystem::path &folder) {
+    const Text name = std::get<Text>(CheckText(at, literal));
+    const std::filesystem::path file = folder / utf8::utf16to8(name);
+    RequireBitmap(file, file.string());
+    if (!utf8::is_valid(file.native()))
+        throw at.Fault("lies in a folder whose name is not UTF-8", "one whose name is");
+    return utf8::utf8to16(file.native());
+}
+
+Value CheckArgument(const Position &at, const Literal &literal, const std::filesystem::path &folder) {
     if (IsNumber(at.kind()))
         return CheckNumber(at, literal);
+    if (at.kind() == Kind::picture)
+        return CheckPicture(at, literal, folder);
     return at.kind() == Kind::text ? CheckText(at, literal) : CheckBytes(at, literal);
 }
 
@@ -128,14 +144,15 @@ void CheckNumberOfArguments(const Function &function, size_t given) {
 
 } // namespace
 
-CheckedCall CheckCall(const JobLine &line, const Catalogue &catalogue, std::vector<LineFault> &faults) {
+CheckedCall CheckCall(const JobLine &line, const Catalogue &catalogue, const std::filesystem::path &folder,
+                      std::vector<LineFault> &faults) {
     CheckedCall call{.entry = FindCallable(line.name, catalogue), .arguments = {}};
     const Function &function = *call.entry.function;
     CheckNumberOfArguments(function, line.arguments.size());
     for (size_t i = 0; i < line.arguments.size(); ++i) {
         const Position at{function, i};
         try {
-            call.arguments.push_back(CheckArgument(at, line.arguments[i]));
+            call.arguments.push_back(CheckArgument(at, line.arguments[i], folder));
             CheckCount(at, call.arguments);
         } catch (const LineFault &fault) {
             faults.push_back(fault);

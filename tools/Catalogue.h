@@ -18,12 +18,19 @@ struct ResultCode {
     std::string_view meaning;
 };
 
+// How one sees that a function without a result has failed: the spool is as long as before.
+struct MustAppend {
+    int32_t (*spoolLength)() = nullptr;
+    std::string_view meaning{}; // of nothing being appended
+};
+
 // How the functions of a group answer.
 struct ResultRule {
     std::span<const ResultCode> failures{}; // outlives the rule
     // Results are failures below zero; or, with onlyOneIsFine, unless they are 1.
     bool onlyOneIsFine = false;
     std::string_view otherFailures = "the library gives this number no meaning";
+    std::optional<MustAppend> mustAppend{};
 
     // What the result means; nothing when it is no failure.
     std::optional<std::string_view> Failure(int32_t result) const;

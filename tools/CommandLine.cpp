@@ -2,8 +2,9 @@
 
 #include "tools/Address.h"
 #include "tools/Catalogue.h"
-#include "tools/Job.h"
+#include "tools/Fault.h"
 #include "tools/ListenCommand.h"
+#include "tools/PictureCommand.h"
 #include "tools/RunCommand.h"
 #include "tools/StatusCommand.h"
 
@@ -25,10 +26,21 @@ A job is a UTF-8 text file. Each line is one call of the library, or a comment:
   TextSaveSpool("Café crème  3,20 €")
   PrintData()
 
-"nadrel functions" lists the calls. The whole file is checked before anything is sent. Unless the job ends with a
+"nadrel functions" lists the calls. The names of pictures, as in NormalBmpSaveSpool("logo.bmp"), are those of bitmap
+files beside the job file. The whole job, pictures and all, is checked before anything is sent. Unless it ends with a
 PrintSpool of its own, it is printed at its end.
 
 Exit status: 0 done, 1 the job or the printer failed, 2 the job file or the command line is wrong.)";
+
+constexpr char kPictureFooter[] = R"(
+The picture is laid on white, turned as the camera says, and printed in black and white dots: as wide as it is, but
+not wider than 576 dots, the widest usual paper; or, larger or smaller, with --width (1 to 2016).
+
+A picture that is longer than the spool (some 5600 lines of 576 dots) is sent in pieces that join on the paper. Its
+grey dots are laid anew at the seams, which are put behind lines of only black and white where there are any: there
+they do not show. Such a picture is never compressed.
+
+Exit status: 0 done, 1 the printer failed, 2 the picture or the command line is wrong.)";
 
 constexpr char kStatusFooter[] =
     "\nExit status: 0 it answered, 1 it did not or there is no link, 2 the command line is wrong.";
@@ -69,18 +81,44 @@ void RequireLink(const LinkOptions &link) {
         throw CLI::RequiredError("--serial or --tcp");
 }
 
+void AddDestination(CLI::App &command, Destination &destination) {
+    AddLinkOptions(command, destination.link);
+    command
+        .add_option("--hex", destination.hex,
+                    "Send nothing: write what would be sent to a file, or to - (here)")
+        ->type_name("FILE");
+}
+
+void RequireDestination(const Destination &destination) {
+    if (destination.hex.empty())
+        RequireLink(destination.link);
+}
+
 void AddRun(CLI::App &app, RunOptions &options, ExitStatus &status) {
     CLI::App *command = app.add_subcommand("run", "Run a job file on a printer");
-    command->add_option("JOB", options.job, "The job file")->required()->type_name("");
-    AddLinkOptions(*command, options.link);
-    command
-        ->add_option("--hex", options.hex, "Send nothing: write what would be sent to a file, or to - (here)")
-        ->type_name("FILE");
+    command->add_option("JOB", options.job, "The job file, or - (the standard input)")
+        ->required()
+        ->type_name("");
+    AddDestination(*command, options.destination);
     command->footer(kRunFooter);
     command->callback([&] {
-        if (options.hex.empty())
-            RequireLink(options.link);
+        RequireDestination(options.destination);
         status = RunCommand(options);
+    });
+}
+
+void AddPicture(CLI::App &app, PictureOptions &options, ExitStatus &status) {
+    CLI::App *command = app.add_subcommand("picture", "Print a PNG, JPEG or BMP file");
+    command->add_option("FILE", options.file, "The picture")->required()->type_name("");
+    AddDestination(*command, options.destination);
+    command->add_flag("--compressed", options.compressed, "Send fewer bytes");
+    command->add_option("--width", options.width, "Make it so many dots wide")
+        ->type_name("DOTS")
+        ->check(Between(1, kWidestPicture));
+    command->footer(kPictureFooter);
+    command->callback([&] {
+        RequireDestination(options.destination);
+        status = PictureCommand(options);
     });
 }
 
@@ -127,7 +165,7 @@ ExitStatus Run(CLI::App &app, int count, char **arguments, const ExitStatus &sta
         return status;
     } catch (const CLI::ParseError &request) {
         return app.exit(request) == 0 ? ExitStatus::fine : ExitStatus::misused;
-    } catch (const JobFault &fault) {
+    } catch (const Fault &fault) {
         return Complain(fault, ExitStatus::misused);
     } catch (const std::exception &fault) {
         return Complain(fault, ExitStatus::failed);
@@ -140,11 +178,13 @@ ExitStatus Main(int count, char **arguments) {
     CLI::App app("Prints on portable thermal receipt printers.", "nadrel");
     ExitStatus status = ExitStatus::fine;
     RunOptions run;
+    PictureOptions picture;
     StatusOptions ask;
     ListenOptions listen;
     app.set_version_flag("--version", "nadrel " NADREL_VERSION);
     app.require_subcommand(1);
     AddRun(app, run, status);
+    AddPicture(app, picture, status);
     AddStatus(app, ask, status);
     AddListen(app, listen, status);
     AddFunctions(app);

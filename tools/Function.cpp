@@ -13,6 +13,8 @@ std::string_view TypeName(Kind kind) {
         return "uint8";
     case Kind::text:
         return "text";
+    case Kind::picture:
+        return "picture";
     case Kind::byteText:
     case Kind::bytes:
         return "bytes";

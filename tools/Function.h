@@ -22,6 +22,7 @@ enum class Kind {
     uint32,
     uint8,
     text,     // zero-terminated UTF-16
+    picture,  // the name of a bitmap file, zero-terminated UTF-16
     byteText, // zero-terminated bytes
     bytes     // any bytes; the argument that follows says how many of them
 };
@@ -29,6 +30,11 @@ enum class Kind {
 struct Parameter {
     std::string_view name;
     Kind kind;
+};
+
+// The name of an argument that is a bitmap file's name.
+struct PictureName {
+    std::string_view name;
 };
 
 using Text = std::basic_string<NadrelChar>;
@@ -60,6 +66,17 @@ constexpr Kind KindOf() {
 }
 
 template <typename T>
+constexpr Parameter Describe(std::string_view name) {
+    return {name, KindOf<T>()};
+}
+
+template <typename T>
+constexpr Parameter Describe(PictureName picture) {
+    static_assert(KindOf<T>() == Kind::text, "a file's name is text");
+    return {picture.name, Kind::picture};
+}
+
+template <typename T>
 T Take(const Value &value) {
     if constexpr (std::is_integral_v<T>)
         return static_cast<T>(std::get<int64_t>(value));
@@ -88,7 +105,7 @@ class Function {
     // The names of the arguments follow the function's address, as in {"PrintDotFeed", &PrintDotFeed, "n"}.
     template <typename Result, typename... Arguments, typename... Names>
     Function(std::string_view functionName, Result (*function)(Arguments...), Names... argumentNames)
-        : name(functionName), parameters{Parameter{argumentNames, detail::KindOf<Arguments>()}...},
+        : name(functionName), parameters{detail::Describe<Arguments>(argumentNames)...},
           invoke([function](const std::vector<Value> &values) {
               return detail::Invoke(function, values, std::index_sequence_for<Arguments...>());
           }) {

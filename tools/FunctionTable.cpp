@@ -1,4 +1,5 @@
 #include "tools/Catalogue.h"
+#include "tools/SpoolLength.h"
 
 #include "api/NadrelHost.h"
 #include "api/NadrelPrinter.h"
@@ -10,11 +11,12 @@ namespace {
 
 constexpr std::string_view kNoLink = "no link is open";
 constexpr std::string_view kSpoolIsFull = "the spool has no room for it";
+constexpr std::string_view kNoRoomForPicture = "the spool has no room for the picture";
 
 constexpr ResultCode kThroughLinkCodes[] = {{ERR_NOT_CONNECTED, kNoLink}, {ERR_SPOOL_LIMIT, kSpoolIsFull}};
 constexpr ResultCode kPictureCodes[] = {{-1, "the file cannot be loaded: it must be a bitmap file (BMP)"},
                                         {ERR_NOT_CONNECTED, kNoLink},
-                                        {ERR_SPOOL_LIMIT, "the spool has no room for the picture"}};
+                                        {ERR_SPOOL_LIMIT, kNoRoomForPicture}};
 constexpr ResultCode kTextRunCodes[] = {
     {ERR_NOT_CONNECTED, kNoLink},
     {ERR_SPOOL_LIMIT, "the spool has no room for the text, which would take it past 9999 bytes"}};
@@ -33,6 +35,7 @@ constexpr ResultCode kPaymentCodes[] = {{-1, "the first field is longer than 12 
 constexpr ResultRule kNoResult{};
 constexpr ResultRule kThroughLink{.failures = kThroughLinkCodes};
 constexpr ResultRule kPicture{.failures = kPictureCodes};
+constexpr ResultRule kSilentPicture{.mustAppend = MustAppend{&SpoolLength, kNoRoomForPicture}};
 constexpr ResultRule kTextRun{.failures = kTextRunCodes};
 constexpr ResultRule kPrinting{.failures = kPrintingCodes, .onlyOneIsFine = true};
 constexpr ResultRule kCodePage{.failures = kCodePageCodes, .onlyOneIsFine = true};
@@ -147,10 +150,13 @@ Groups Raster() {
     return {{"Raster",
              Effect::appends,
              kPicture,
-             {{"BmpSaveSpool", &BmpSaveSpool, "path", "x", "y"},
-              {"NormalBmpSaveSpool", &NormalBmpSaveSpool, "path"},
-              {"CompressedBmpSaveSpool", &CompressedBmpSaveSpool, "path"},
-              {"LoadLogoSaveSpool", &LoadLogoSaveSpool, "n"}}}};
+             {{"BmpSaveSpool", &BmpSaveSpool, PictureName{"path"}, "x", "y"}}},
+            {"Raster",
+             Effect::appends,
+             kSilentPicture,
+             {{"NormalBmpSaveSpool", &NormalBmpSaveSpool, PictureName{"path"}},
+              {"CompressedBmpSaveSpool", &CompressedBmpSaveSpool, PictureName{"path"}}}},
+            {"Raster", Effect::appends, kNoResult, {{"LoadLogoSaveSpool", &LoadLogoSaveSpool, "n"}}}};
 }
 
 Groups Status() {

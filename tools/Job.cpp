@@ -43,13 +43,18 @@ std::string_view TakeLine(std::string_view &text) {
     return line;
 }
 
+// A job that comes through a pipe lies in no folder: its pictures are sought where the program works.
+std::filesystem::path FolderOf(const std::string &file) {
+    return file.starts_with("/dev/") ? std::filesystem::path() : std::filesystem::path(file).parent_path();
+}
+
 void CheckLine(Job &job, std::string_view text, size_t number, const Catalogue &catalogue, Faults &faults) {
     try {
         const auto line = ReadJobLine(text);
         if (!line)
             return;
         std::vector<LineFault> wrongArguments;
-        CheckedCall call = CheckCall(*line, catalogue, wrongArguments);
+        CheckedCall call = CheckCall(*line, catalogue, FolderOf(job.file), wrongArguments);
         for (const LineFault &fault : wrongArguments)
             faults.Add(number, fault);
         job.calls.push_back({number, call.entry, std::move(call.arguments)});
@@ -86,7 +91,7 @@ Job CheckJob(const std::string &file, std::string_view text, const Catalogue &ca
 
 std::string ReadJobFile(const std::string &file) {
     errno = 0;
-    std::ifstream in(file, std::ios::binary);
+    std::ifstream in(file == "-" ? "/dev/stdin" : file, std::ios::binary);
     std::string text(kLongestFile + 1, '\0');
     in.read(text.data(), static_cast<std::streamsize>(text.size()));
     if (in.bad() || (in.gcount() == 0 && !in.eof()))

@@ -8,17 +8,30 @@ std::string Location(const Job &job, const Call &call) {
                           : job.file + ':' + std::to_string(call.line) + ": ";
 }
 
+// What the call answered and what that means; nothing when it did what it should.
+std::optional<std::string> FailureOf(const Call &call) {
+    const Function &function = *call.entry.function;
+    const ResultRule &rule = call.entry.group->results;
+    const int32_t before = rule.mustAppend ? rule.mustAppend->spoolLength() : 0;
+    const auto result = function(call.arguments);
+    if (result) {
+        const auto meaning = rule.Failure(*result);
+        if (meaning)
+            return " answered " + std::to_string(*result) + ": " + std::string(*meaning);
+    }
+    if (rule.mustAppend && rule.mustAppend->spoolLength() == before)
+        return " appended nothing: " + std::string(rule.mustAppend->meaning);
+    return std::nullopt;
+}
+
 } // namespace
 
 void RunJob(const Job &job) {
     for (const Call &call : job.calls) {
         const Function &function = *call.entry.function;
-        const auto result = function(call.arguments);
-        const auto failure = result ? call.entry.group->results.Failure(*result) : std::nullopt;
-        if (failure)
+        if (const auto failure = FailureOf(call))
             throw CallFailure(Location(job, call) + std::string(function.name) +
-                              (function.parameters.empty() ? "()" : "(...)") + " answered " +
-                              std::to_string(*result) + ": " + std::string(*failure));
+                              (function.parameters.empty() ? "()" : "(...)") + *failure);
     }
 }
 

@@ -6,7 +6,7 @@
 
 namespace tool {
 
-// A call of a job that the library answered with a failure: file, line, result and meaning.
+// A call of a job that failed: file, line, what the library answered, and its meaning.
 class CallFailure : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
