@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 using namespace printer;
 using namespace printer::testing;
 
@@ -52,5 +54,21 @@ TEST(PrinterRaster, EndsABandAtEveryControlByteThatBeginsNoToken) {
         const bool isToken = (control >= 0x81 && control <= 0xBA) || (control >= 0xC4 && control <= 0xFA);
         const Bytes bytes(100, static_cast<uint8_t>(control));
         EXPECT_EQ(ScanBand(bytes, 1).length == 0, !isToken) << control;
+    }
+}
+
+TEST(PrinterRaster, EndsARandomBandWithinItsBytesAndItsLines) {
+    const uint32_t seed = TestSeed(58);
+    SCOPED_TRACE(HowToRepeat(seed));
+    std::mt19937 random(seed);
+    for (int i = 0; i < 20000; ++i) {
+        Bytes bytes(random() % 300);
+        for (uint8_t &byte : bytes)
+            byte = static_cast<uint8_t>(random() % 2 == 0 ? 0x80 + random() % 128 : random());
+        const auto lineBytes = static_cast<uint8_t>(random() % 256);
+        const BandTokens tokens = ScanBand(bytes, lineBytes);
+        ASSERT_LE(tokens.length, bytes.size());
+        ASSERT_LE(ExpandBand(ByteView(bytes).first(tokens.length), lineBytes).size(), lineBytes * 24U);
+        ASSERT_LE(ExpandBand(bytes, lineBytes).size(), lineBytes * 24U);
     }
 }

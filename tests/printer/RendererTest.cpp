@@ -223,40 +223,6 @@ TEST(PrinterRenderer, StartsPrintingSoFarBehindTheMark) {
     EXPECT_EQ(BlackDots(picture, {0, 102, 12, 24}), 12 * 24);
 }
 
-TEST(PrinterRenderer, PrintsARasterBandInTheLine) {
-    const std::string band = "\xF0\x0F"s + std::string(46, '\0');
-    const Bitmap picture = PictureOf("\x1B\x33\x18\x1B\x58\x34\x02\x18" + band + "\x0A\x1B\x32");
-    ExpectBlackExactly(picture, {{0, 0, 4, 1}, {12, 0, 4, 1}});
-    EXPECT_EQ(picture.Height(), 24);
-}
-
-TEST(PrinterRenderer, FeedsAShortBandByItsLines) {
-    const std::string band = std::string(10, '\xFF') + std::string(14, '\0');
-    const Bitmap picture = PictureOf("\x1B\x33\x18\x1B\x58\x34\x01\x18" + std::string(24, '\xFF') +
-                                     "\x0A\x1B\x58\x34\x01\x0A" + band + "\x1B\x33\x0A\x0A");
-    ExpectBlackExactly(picture, {{0, 0, 8, 34}});
-    EXPECT_EQ(picture.Height(), 34);
-}
-
-TEST(PrinterRenderer, PrintsBandsAtAPosition) {
-    const std::string band = std::string(24, '\xFF');
-    ExpectBlackExactly(PictureOf("\x1B\x4F\x32\x00\x00\x00\x1B\x58\x34\x01\x18"s + band + "\x0A"),
-                       {{50, 0, 8, 24}});
-}
-
-TEST(PrinterRenderer, PrintsACompressedBandLikeThePlainOne) {
-    // Lines of 2 bytes: 20 bytes FF, 3 bytes 0F, 25 bytes 00.
-    const Bitmap picture = PictureOf("\x1B\x58\x33\x02\x18\xD4\xFF\x83\x0F\x0F\x0F\xD9\0\x1B\x58\x32\x18"s);
-    ExpectBlackExactly(picture, {{0, 0, 16, 10}, {4, 10, 4, 1}, {12, 10, 4, 1}, {4, 11, 4, 1}});
-    EXPECT_EQ(picture.Height(), 24);
-}
-
-TEST(PrinterRenderer, FeedsABlankBandAfterAnEmptyOne) {
-    const Bitmap picture = PictureOf("\x1B\x58\x33\x04\x18\x1B\x58\x32\x18"s);
-    ExpectBlackExactly(picture, {});
-    EXPECT_EQ(picture.Height(), 24);
-}
-
 TEST(PrinterRenderer, DrawsALineFigureAsARuleInStandardMode) {
     const Bitmap picture = PictureOf("\x1B\x67\x31\x0A\x00\x05\x00\x63\x00\x05\x00\x03"s + Reverse + " \x0A");
     ExpectBlackExactly(picture, {{10, 5, 90, 3}, {0, 8, 12, 24}});
