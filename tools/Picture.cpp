@@ -15,10 +15,9 @@ namespace {
 
 constexpr char kPictureExpected[] = ", expected a PNG, JPEG or BMP file";
 
-// 256 levels of opacity; the squares of the board behind the picture are all white.
+constexpr int kBitsPerChannel = 8;
 constexpr int kOpaque = 255;
-constexpr int kSquare = 16;
-constexpr guint32 kWhite = 0xFFFFFF;
+constexpr guint32 kWhite = 0xFFFFFFFF;
 
 struct FreeError {
     void operator()(GError *error) const { g_error_free(error); }
@@ -93,7 +92,7 @@ void Picture::Unreference::operator()(_GdkPixbuf *pixels) const {
 }
 
 Picture::Picture(const std::string &file, std::optional<int> width)
-    : pixels(Print(file, Load(file), width)) {}
+    : pixels(LayOnWhite(file, Load(file), width)) {}
 
 Picture::Pixels Picture::Load(const std::string &file) {
     RequireFile(file);
@@ -109,14 +108,17 @@ Picture::Pixels Picture::Load(const std::string &file) {
     return upright;
 }
 
-Picture::Pixels Picture::Print(const std::string &file, const Pixels &loaded, std::optional<int> asked) {
+Picture::Pixels Picture::LayOnWhite(const std::string &file, const Pixels &loaded, std::optional<int> asked) {
     const int ownWidth = gdk_pixbuf_get_width(loaded.get());
     const int width = WidthOf(file, ownWidth, asked);
-    const int height = HeightOf(file, width, ownWidth, gdk_pixbuf_get_height(loaded.get()));
-    Pixels printed(gdk_pixbuf_composite_color_simple(loaded.get(), width, height, GDK_INTERP_BILINEAR,
-                                                     kOpaque, kSquare, kWhite, kWhite));
+    const int ownHeight = gdk_pixbuf_get_height(loaded.get());
+    const int height = HeightOf(file, width, ownWidth, ownHeight);
+    Pixels printed(gdk_pixbuf_new(GDK_COLORSPACE_RGB, FALSE, kBitsPerChannel, width, height));
     if (!printed)
         throw std::bad_alloc();
+    gdk_pixbuf_fill(printed.get(), kWhite);
+    gdk_pixbuf_composite(loaded.get(), printed.get(), 0, 0, width, height, 0, 0, double{1} * width / ownWidth,
+                         double{1} * height / ownHeight, GDK_INTERP_BILINEAR, kOpaque);
     return printed;
 }
 

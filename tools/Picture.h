@@ -46,7 +46,7 @@ class Picture {
     using Pixels = std::unique_ptr<_GdkPixbuf, Unreference>;
 
     static Pixels Load(const std::string &file);
-    static Pixels Print(const std::string &file, const Pixels &loaded, std::optional<int> width);
+    static Pixels LayOnWhite(const std::string &file, const Pixels &loaded, std::optional<int> width);
 
     Pixels pixels;
 };

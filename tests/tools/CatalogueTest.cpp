@@ -57,11 +57,16 @@ TEST(Catalogue, ListsItsFunctionsWithTheirArgumentsUnderTheirTitles) {
                          "  Clear()\n"
                          "  Identify(text name)\n"
                          "\n"
+                         "Pictures\n"
+                         "  Picture(picture path)\n"
+                         "\n"
                          "Printing\n"
                          "  Print(int32 clear)\n"
                          "\n"
                          "int32, uint32, uint8: a number, 10, -1 or 0x1B, or a character, 'M'\n"
-                         "text, bytes: a string, \"Caf\\u00E9 cr\xC3\xA8me\\n\", \"\\x1B@\"\n");
+                         "text, bytes: a string, \"Caf\\u00E9 cr\xC3\xA8me\\n\", \"\\x1B@\"\n"
+                         "picture: a bitmap file (BMP) of 1 or 24 bits a pixel, \"logo.bmp\", as seen from "
+                         "the job file\n");
 }
 
 TEST(ResultRule, TakesNumbersBelowZeroForFailures) {

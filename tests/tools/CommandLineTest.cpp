@@ -19,6 +19,7 @@ std::string Complaint(const std::vector<std::string> &arguments) {
 TEST(CommandLine, ShowsHelp) {
     for (const std::vector<std::string> &arguments : {std::vector<std::string>{"--help"},
                                                       {"run", "--help"},
+                                                      {"picture", "--help"},
                                                       {"status", "--help"},
                                                       {"listen", "--help"}}) {
         const Outcome outcome = RunProgram(arguments);
@@ -49,6 +50,8 @@ TEST(CommandLine, NeedsASubcommandAndWhatThatNeeds) {
     EXPECT_EQ(Complaint({}), "A subcommand is required");
     EXPECT_EQ(Complaint({"run"}), "JOB is required");
     EXPECT_EQ(Complaint({"run", "a.job"}), "--serial or --tcp is required");
+    EXPECT_EQ(Complaint({"picture"}), "FILE is required");
+    EXPECT_EQ(Complaint({"picture", "a.png"}), "--serial or --tcp is required");
     EXPECT_EQ(Complaint({"status"}), "--serial or --tcp is required");
     EXPECT_EQ(Complaint({"listen"}), "--serial or --tcp is required");
 }
@@ -63,6 +66,10 @@ TEST(CommandLine, RefusesValuesOutOfRange) {
     EXPECT_EQ(Complaint({"status", "--tcp", "a", "--timeout", "-1"}),
               "--timeout: Value -1 not in range 0 to 3600000");
     EXPECT_EQ(Complaint({"listen", "--tcp", "a", "--msr", "5"}), "--msr: Value 5 not in range 0 to 4");
+    EXPECT_EQ(Complaint({"picture", "a.png", "--hex", "-", "--width", "0"}),
+              "--width: Value 0 not in range 1 to 2016");
+    EXPECT_EQ(Complaint({"picture", "a.png", "--hex", "-", "--width", "2017"}),
+              "--width: Value 2017 not in range 1 to 2016");
     EXPECT_EQ(Complaint({"status", "--tcp", "a:70000"}),
               "--tcp: a:70000 is no address, expected HOST, HOST:PORT or [IPV6]:PORT");
     EXPECT_EQ(Complaint({"status", "--serial", "a\xFF"}), "--serial: is not UTF-8");

@@ -11,6 +11,8 @@ namespace fake {
 
 inline std::vector<std::string> calls;
 inline int32_t nextResult = 0;
+inline int32_t spoolLength = 0;
+inline int32_t nextPictureLength = 0; // what it appends
 
 inline std::string Units(const NadrelChar *text) {
     std::string units;
@@ -70,6 +72,15 @@ inline int32_t Print(int32_t clear) {
     return nextResult;
 }
 
+inline int32_t SpoolLength() {
+    return spoolLength;
+}
+
+inline void Picture(const NadrelChar *path) {
+    calls.push_back("Picture " + Units(path));
+    spoolLength += nextPictureLength;
+}
+
 inline constexpr tool::ResultCode kTextCodes[] = {{-12, "the spool is full"}};
 
 inline tool::Catalogue MakeCatalogue() {
@@ -91,6 +102,10 @@ inline tool::Catalogue MakeCatalogue() {
          Effect::neither,
          {.onlyOneIsFine = true, .otherFailures = "the name is too short"},
          {{"Identify", &Identify, "name"}}},
+        {"Pictures",
+         Effect::appends,
+         {.mustAppend = tool::MustAppend{&SpoolLength, "it has no room"}},
+         {{"Picture", &Picture, tool::PictureName{"path"}}}},
         {"Printing", Effect::prints, {}, {{"Print", &Print, "clear"}}},
     };
     catalogue.notForJobs = {{"Close", "the tool closes"}};

@@ -84,4 +84,19 @@ TEST(FunctionTable, KnowsTheMeaningsOfResultsByTheFunction) {
     EXPECT_EQ(meaning("SetPaymentReq", 0),
               "the second field has that many digits, it must have 8, and nothing was sent");
     EXPECT_EQ(meaning("SetAnsiCodePage", 0), "it is no code page that the library knows");
+    EXPECT_EQ(meaning("BmpSaveSpool", -1), "the file cannot be loaded: it must be a bitmap file (BMP)");
+    EXPECT_EQ(meaning("BmpSaveSpool", -12), "the spool has no room for the picture");
+}
+
+TEST(FunctionTable, SeesThatAPictureWithoutAResultWasAppended) {
+    for (const char *name : {"NormalBmpSaveSpool", "CompressedBmpSaveSpool"}) {
+        const auto &rule = tool::LibraryCatalogue().Find(name)->group->results;
+        ASSERT_TRUE(rule.mustAppend) << name;
+        EXPECT_EQ(rule.mustAppend->meaning, "the spool has no room for the picture");
+    }
+}
+
+TEST(FunctionTable, KnowsWhichArgumentsArePictures) {
+    EXPECT_EQ(tool::Signature(*tool::LibraryCatalogue().Find("BmpSaveSpool")->function),
+              "BmpSaveSpool(picture path, int32 x, int32 y)");
 }

@@ -2,6 +2,9 @@
 
 #include "FakeLibrary.h"
 
+#include "tests/image/BmpBuilder.h"
+#include "tests/image/TemporaryFolder.h"
+
 #include <gtest/gtest.h>
 
 using Calls = std::vector<std::string>;
@@ -13,9 +16,16 @@ class JobRun : public testing::Test {
     JobRun() {
         fake::calls.clear();
         fake::nextResult = 1;
+        fake::spoolLength = 5;
+        fake::nextPictureLength = 114;
+        folder.Put("a.bmp", nadrel::BmpBuilder::OneBit(8, 1, [](int, int) { return 0; }).Bytes());
     }
 
     static void Run(std::string_view text) { tool::RunJob(tool::CheckJob("a.job", text, fake::catalogue)); }
+
+    std::string Picture() const { return "Picture(\"" + folder.Path("a.bmp") + "\")"; }
+
+    TemporaryFolder folder;
 
     static std::string FailureOf(std::string_view text) {
         try {
@@ -72,4 +82,17 @@ TEST_F(JobRun, TellsAFailureOfThePrintingThatItAdds) {
     EXPECT_EQ(
         FailureOf("Feed(1)"),
         "a.job: at the end of the job: Print(...) answered -13: the library gives this number no meaning");
+}
+
+TEST_F(JobRun, GoesOnAfterAPictureThatMadeTheSpoolLonger) {
+    Run(Picture() + "\nCut()");
+    ASSERT_EQ(fake::calls.size(), 3u);
+    EXPECT_EQ(fake::calls[1], "Cut");
+    EXPECT_EQ(fake::spoolLength, 119);
+}
+
+TEST_F(JobRun, StopsAtAPictureThatLeftTheSpoolAsItWas) {
+    fake::nextPictureLength = 0;
+    EXPECT_EQ(FailureOf(Picture() + "\nCut()"), "a.job:1: Picture(...) appended nothing: it has no room");
+    EXPECT_EQ(fake::calls.size(), 1u);
 }

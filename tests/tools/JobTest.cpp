@@ -3,6 +3,9 @@
 #include "FakeLibrary.h"
 #include "Support.h"
 
+#include "tests/image/BmpBuilder.h"
+#include "tests/image/TemporaryFolder.h"
+
 #include <gtest/gtest.h>
 
 using tool::CheckJob;
@@ -221,4 +224,45 @@ TEST(Job, IsAtMostFourMebibytesLong) {
 TEST(Job, MayBeFourMebibytesLong) {
     const TemporaryFile file(std::string(4194304, ' '));
     EXPECT_EQ(ReadJobFile(file.path).size(), 4194304u);
+}
+
+TEST(Job, SeeksPicturesInTheFolderOfItsFile) {
+    const TemporaryFolder folder;
+    folder.Put("logo.bmp", nadrel::BmpBuilder::OneBit(8, 1, [](int, int) { return 0; }).Bytes());
+    const Job job = CheckJob(folder.Path("a.job"), "Picture(\"logo.bmp\")", fake::catalogue);
+    EXPECT_EQ(std::get<tool::Text>(job.calls.front().arguments.front()), folder.Name("logo.bmp"));
+}
+
+TEST(Job, TakesTheFullNameOfAPictureAsItIs) {
+    const TemporaryFolder folder;
+    folder.Put("logo.bmp", nadrel::BmpBuilder::OneBit(8, 1, [](int, int) { return 0; }).Bytes());
+    const Job job =
+        CheckJob("elsewhere/a.job", "Picture(\"" + folder.Path("logo.bmp") + "\")", fake::catalogue);
+    EXPECT_EQ(std::get<tool::Text>(job.calls.front().arguments.front()), folder.Name("logo.bmp"));
+}
+
+TEST(Job, SaysInWhichLineAPictureIsNotThere) {
+    EXPECT_EQ(FaultsOf("Cut()\nPicture(\"none.bmp\")"),
+              "job:2: none.bmp cannot be read (No such file or directory), expected a bitmap file (BMP) of 1 "
+              "or 24 bits a pixel");
+    EXPECT_EQ(FaultsOf("Picture(5)"),
+              "job:1: argument 1 of Picture (path) is 5, expected text in double quotes");
+}
+
+TEST(Job, SeeksPicturesWhereTheProgramWorksWhenItComesThroughAPipe) {
+    for (const std::string pipe : {"-", "/dev/stdin", "/dev/fd/63"}) {
+        try {
+            CheckJob(pipe, "Picture(\"none.bmp\")", fake::catalogue);
+            ADD_FAILURE() << pipe;
+        } catch (const JobFault &fault) {
+            EXPECT_TRUE(std::string(fault.what()).starts_with(pipe + ":1: none.bmp cannot")) << fault.what();
+        }
+    }
+}
+
+TEST(Job, RefusesAPictureInAFolderWhoseNameIsNotUtf8) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder.Path("\xFF"));
+    folder.Put("\xFF/logo.bmp", nadrel::BmpBuilder::OneBit(8, 1, [](int, int) { return 0; }).Bytes());
+    EXPECT_THROW(CheckJob(folder.Path("\xFF/a.job"), "Picture(\"logo.bmp\")", fake::catalogue), JobFault);
 }
