@@ -181,10 +181,11 @@ TEST_F(PictureOfAFile, RefusesSizesThatNoPaperHas) {
 }
 
 TEST_F(PictureOfAFile, RefusesManyPixelsBeforeItMakesRoomForThem) {
-    std::vector<uint8_t> bytes = folder.Get(Plain(8, 8).substr(folder.Path("").size()));
-    // The first chunk: width and height, high byte first, and its check value.
-    const uint8_t header[] = {0x00, 0x01, 0x86, 0xA0, 0x00, 0x01, 0x86, 0xA0};
-    std::copy(std::begin(header), std::end(header), bytes.begin() + 16);
-    folder.Put("a.png", bytes);
-    EXPECT_NE(FaultOf(folder.Path("a.png")), "no fault");
+    Write("bmp", 8, 8, &Slope);
+    std::vector<uint8_t> bytes = folder.Get("a.bmp");
+    const uint8_t size[] = {0xA0, 0x86, 0x01, 0x00, 0xA0, 0x86, 0x01, 0x00};
+    std::copy(std::begin(size), std::end(size), bytes.begin() + 18);
+    folder.Put("a.bmp", bytes);
+    EXPECT_EQ(FaultOf(folder.Path("a.bmp")),
+              folder.Path("a.bmp") + ": has 100000 x 100000 pixels, expected 100000000 at most");
 }

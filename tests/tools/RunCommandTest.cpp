@@ -2,6 +2,9 @@
 #include "Program.h"
 #include "Support.h"
 
+#include "tests/image/BmpBuilder.h"
+#include "tests/image/TemporaryFolder.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -195,6 +198,44 @@ TEST(RunCommand, TellsResultsThatAreLengthsFromSuccess) {
     EXPECT_EQ(outcome.errors,
               job.path + ":1: SetTermialID(...) answered 7: the identifier has that many characters, "
                          "it must have 8, and nothing was sent\n");
+}
+
+TEST(RunCommand, PrintsPicturesFromTheFolderOfTheJob) {
+    const TemporaryFolder folder;
+    folder.Put("logo.bmp", nadrel::BmpBuilder::OneBit(8, 1, [](int, int) { return 0; }).Bytes());
+    std::ofstream(folder.Path("a.job")) << "CompressedBmpSaveSpool(\"logo.bmp\")";
+    const Outcome outcome = RunProgram({"run", folder.Path("a.job"), "--hex", "-"});
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_EQ(outcome.out, "1D 50 B4 B4 1B 58 33 04 18 81 FF 83 00 00 00 1B\n58 32 18\n");
+}
+
+TEST(RunCommand, SendsNothingOfAJobWhosePictureIsNotThere) {
+    const TemporaryFile job("PrintData()\nPrintSpool(1)\nBmpSaveSpool(\"none.bmp\", 0, 0)\n");
+    SerialPrinter printer;
+    const Outcome outcome = RunProgram({"run", job.path, "--serial", printer.path});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.errors, job.path + ":3: " + testing::TempDir() +
+                                  "none.bmp cannot be read (No such file or directory), expected a bitmap "
+                                  "file (BMP) of 1 or 24 bits a pixel\n");
+    EXPECT_EQ(printer.Finish(), Bytes{});
+}
+
+TEST(RunCommand, StopsAtAPictureThatTheSpoolHasNoRoomFor) {
+    const TemporaryFolder folder;
+    folder.Put("large.bmp", nadrel::BmpBuilder::OneBit(2016, 40 * 24, [](int x, int y) {
+                                return (x * y >> 3) % 2; // cannot be compressed to half
+                            }).Bytes());
+    for (const std::string name : {"NormalBmpSaveSpool", "CompressedBmpSaveSpool"}) {
+        const std::string line = name + "(\"large.bmp\")\n";
+        std::ofstream(folder.Path("a.job")) << line << "NormalBmpSaveSpool(\"large.bmp\")\n" << line;
+        const Outcome outcome = RunProgram({"run", folder.Path("a.job"), "--hex", "-"});
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_NE(outcome.errors.find("BmpSaveSpool(...) appended nothing: the spool has no room for the "
+                                      "picture\n"),
+                  std::string::npos)
+            << outcome.errors;
+        EXPECT_EQ(outcome.out, "");
+    }
 }
 
 TEST(RunCommand, SaysThatThePrinterDoesNotAnswer) {
