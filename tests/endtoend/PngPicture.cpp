@@ -20,6 +20,16 @@ Picture ReadPng(const std::filesystem::path &file) {
     return picture;
 }
 
+void WritePng(const std::filesystem::path &file, const Picture &picture) {
+    png_image image = {};
+    image.version = PNG_IMAGE_VERSION;
+    image.width = static_cast<png_uint_32>(picture.width);
+    image.height = static_cast<png_uint_32>(picture.height);
+    image.format = PNG_FORMAT_GRAY;
+    if (png_image_write_to_file(&image, file.c_str(), 0, picture.grey.data(), 0, nullptr) == 0)
+        throw std::runtime_error(file.string() + ": " + image.message);
+}
+
 int64_t BlackDots(const Picture &picture) {
     return std::count(picture.grey.begin(), picture.grey.end(), uint8_t{0});
 }

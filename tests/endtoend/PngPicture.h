@@ -21,6 +21,9 @@ struct Picture {
 // Throws std::runtime_error when it cannot be read.
 Picture ReadPng(const std::filesystem::path &file);
 
+// Writes it in grey. Throws std::runtime_error when it cannot be written.
+void WritePng(const std::filesystem::path &file, const Picture &picture);
+
 int64_t BlackDots(const Picture &picture);
 
 } // namespace endtoend
