@@ -87,8 +87,8 @@ gboolean Deliver(const gchar *bytes, gsize count, GError **error, gpointer sink)
 
 } // namespace
 
-void Picture::Unreference::operator()(_GdkPixbuf *pixels) const {
-    g_object_unref(pixels);
+void Picture::Unreference::operator()(_GdkPixbuf *object) const {
+    g_object_unref(object);
 }
 
 Picture::Picture(const std::string &file, std::optional<int> width)

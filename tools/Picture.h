@@ -41,7 +41,7 @@ class Picture {
 
   private:
     struct Unreference {
-        void operator()(_GdkPixbuf *pixels) const;
+        void operator()(_GdkPixbuf *object) const;
     };
     using Pixels = std::unique_ptr<_GdkPixbuf, Unreference>;
 

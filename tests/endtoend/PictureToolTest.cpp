@@ -62,7 +62,8 @@ Picture BlackAndWhite(int width, int height) {
 Picture Shades(int width, int height) {
     std::mt19937 random(8);
     return MakePicture(width, height, [&](int x, int y) {
-        return y % 480 == 479 ? uint8_t{255} : static_cast<uint8_t>((x + y + random() % 40) % 256);
+        return y % 480 == 479 ? uint8_t{255}
+                              : static_cast<uint8_t>(static_cast<uint32_t>(x + y) + random() % 40);
     });
 }
 
