@@ -55,7 +55,10 @@ class PortableDither : public BandDither {
 // Whether a row of pixels holds nothing but black and white.
 bool IsBlackAndWhite(const uint8_t *row, int32_t width);
 
-// The fastest there is on this machine, for pictures of that width.
+// Makes a dither for pictures of that width.
+using MakeDither = std::unique_ptr<BandDither> (*)(int32_t width);
+
+// The fastest there is on this machine.
 std::unique_ptr<BandDither> MakeBandDither(int32_t width);
 
 } // namespace nadrel

@@ -29,6 +29,7 @@
 // dots.
 
 #include "image/BandDither.h"
+#include "image/LaneLevels.h"
 
 #if defined(__SSE2__) || defined(_M_X64)
 
@@ -40,8 +41,6 @@
 namespace nadrel {
 namespace {
 
-constexpr int32_t kLanes = kBandLines;
-constexpr int32_t kSkew = 3;             // columns that a row is behind the one above it
 constexpr int32_t kLag = kSkew * kLanes; // columns that the next band's first row would be behind
 // What the last lane hands down at step i, its column i - 69, enters the next row one column further left.
 constexpr int32_t kHandedLag = kLag - 2;
@@ -66,23 +65,6 @@ Word LoadWord(const uint8_t *bytes) {
     Word word;
     std::memcpy(&word, bytes, sizeof word);
     return word;
-}
-
-// Writes a row's luminances a step apart. Four pixels at a time, by single bytes and by shifts of a word in
-// turn: that keeps the machine's load and arithmetic units equally busy.
-void SpreadRow(const uint8_t *row, int32_t width, uint8_t *to) {
-    const Luminance &luminance = PrintedLuminance();
-    int32_t x = 0;
-    for (; x + 4 <= width; x += 4, row += 12, to += 4 * kLanes) {
-        const uint32_t first = LoadWord<uint32_t>(row);
-        const uint32_t last = LoadWord<uint32_t>(row + 8);
-        to[0 * kLanes] = luminance.Of(first & 255, first >> 8 & 255, first >> 16 & 255);
-        to[1 * kLanes] = luminance.Of(first >> 24, row[4], row[5]);
-        to[2 * kLanes] = luminance.Of(row[6], row[7], last & 255);
-        to[3 * kLanes] = luminance.Of(last >> 8 & 255, last >> 16 & 255, last >> 24);
-    }
-    for (; x < width; ++x, row += 3, to += kLanes)
-        *to = luminance.Of(row[0], row[1], row[2]);
 }
 
 // The highest bits of 16 bytes, where each byte is 0 or 255; `extreme` becomes 0 where one is not.
@@ -232,7 +214,7 @@ struct WhiteCursor {
 
 class LaneDither : public BandDither {
   public:
-    explicit LaneDither(int32_t width);
+    LaneDither(int32_t width, SpreadLuminances form);
     void Convert(const BandRows &rows, uint8_t *lines, size_t lineBytes) override;
 
   private:
@@ -246,6 +228,7 @@ class LaneDither : public BandDither {
 
     int32_t width;
     int32_t steps;
+    SpreadLuminances spread;
     std::vector<uint8_t> levels;                     // luminances: a byte for each lane, step after step
     std::vector<uint32_t> handed;                    // what the last lane handed down at each step
     std::array<std::vector<uint8_t>, kOctets> white; // eight lanes a byte, the last step first
@@ -253,8 +236,9 @@ class LaneDither : public BandDither {
     std::array<char, 32> closed;                     // -1 for rows of the band that take in no errors
 };
 
-LaneDither::LaneDither(int32_t pixels) : width(pixels), steps(pixels + kHandedLag) {
-    levels.resize(static_cast<size_t>(steps) * kLanes);
+LaneDither::LaneDither(int32_t pixels, SpreadLuminances form)
+    : width(pixels), steps(pixels + kHandedLag), spread(form) {
+    levels.resize(LaneLevelBytes(pixels));
     handed.assign(static_cast<size_t>(steps) + kLag, kNothingEnters);
     constexpr size_t mostReadBehind = 16;
     for (std::vector<uint8_t> &octet : white)
@@ -289,8 +273,7 @@ bool LaneDither::FindClosedRows(const BandRows &rows) {
 }
 
 void LaneDither::Dither(const BandRows &rows) {
-    for (int32_t k = 0; k < rows.count; ++k)
-        SpreadRow(rows.Row(k), width, &levels[static_cast<size_t>(k * kSkew * kLanes + k)]);
+    spread(rows, width, levels.data());
     const int32_t head = std::min(kLag, steps);
     const int32_t tail = std::max(head, width);
     Band band = Begin();
@@ -359,13 +342,13 @@ void LaneDither::PackLine(int32_t lane, uint8_t *line, size_t lineBytes) const {
 
 } // namespace
 
-std::unique_ptr<BandDither> MakeBandDither(int32_t width) {
+std::unique_ptr<BandDither> MakeBandDither(int32_t width, SpreadLuminances form) {
     // The lanes take 24 bytes a column, eight times what a row has: a picture of no printer's width takes
     // less.
     constexpr int32_t widest = 1 << 14;
     if (width > widest)
         return std::make_unique<PortableDither>(width);
-    return std::make_unique<LaneDither>(width);
+    return std::make_unique<LaneDither>(width, form);
 }
 
 } // namespace nadrel
@@ -374,10 +357,18 @@ std::unique_ptr<BandDither> MakeBandDither(int32_t width) {
 
 namespace nadrel {
 
-std::unique_ptr<BandDither> MakeBandDither(int32_t width) {
+std::unique_ptr<BandDither> MakeBandDither(int32_t width, SpreadLuminances) {
     return std::make_unique<PortableDither>(width);
 }
 
 } // namespace nadrel
 
 #endif
+
+namespace nadrel {
+
+std::unique_ptr<BandDither> MakeBandDither(int32_t width) {
+    return MakeBandDither(width, LuminanceForms().back().spread);
+}
+
+} // namespace nadrel

@@ -24,7 +24,7 @@ Luminance::Luminance(const GammaTable &gamma) {
 }
 
 const Luminance &PrintedLuminance() {
-    static const Luminance luminance(MakeGammaTable(0.5));
+    static const Luminance luminance(MakeGammaTable(kPrintedGamma));
     return luminance;
 }
 

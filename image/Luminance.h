@@ -35,7 +35,10 @@ struct Luminance {
     double blue[256];
 };
 
-// For the gamma that pictures are printed with, 0.5. Made once.
+// The gamma that pictures are printed with.
+inline constexpr double kPrintedGamma = 0.5;
+
+// For that gamma. Made once.
 const Luminance &PrintedLuminance();
 
 } // namespace nadrel

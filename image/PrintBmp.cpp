@@ -156,7 +156,7 @@ void PrintBmp::EmitCompressedBand(const uint8_t *lines, int32_t n, Compressor &c
 // Calls `emit` for each band from the top, as long as the output has room.
 template <typename Emit>
 int32_t PrintBmp::EmitBands(const RasterOutput &output, Emit emit) {
-    dither = info.biBitCount == 24 && Height() > 0 ? MakeBandDither(info.biWidth) : nullptr;
+    dither = info.biBitCount == 24 && Height() > 0 ? makeDither(info.biWidth) : nullptr;
     PixelRows rows(file, info, static_cast<uint32_t>(Stride()), Height());
     BandRows band;
     for (int32_t left = Height(); left > 0 && output.Fits(); left -= band.count) {

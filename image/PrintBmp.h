@@ -31,6 +31,8 @@ class PrintBmp {
     static constexpr int32_t kNotLoaded = -1;
     static constexpr int32_t kNotRead = -2; // the file could not be read to its end
 
+    explicit PrintBmp(MakeDither make = MakeBandDither) : makeDither(make) {}
+
     // 1; 0 when the file is no bitmap, or claims a size that no such file can have.
     int32_t Load(const char16_t *path);
 
@@ -66,6 +68,7 @@ class PrintBmp {
     void EmitCompressedBand(const uint8_t *lines, int32_t n, Compressor &compressor,
                             RasterOutput &output) const;
 
+    MakeDither makeDither;
     bool loaded = false;
     BmpFile file;
     BITMAPINFOHEADER info;

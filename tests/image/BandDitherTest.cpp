@@ -1,4 +1,5 @@
 #include "image/BandDither.h"
+#include "image/LaneLevels.h"
 
 #include "tests/image/BmpBuilder.h"
 #include "tests/image/Oracle.h"
@@ -17,7 +18,6 @@ namespace nadrel {
 namespace {
 
 using Lines = std::vector<uint8_t>;
-using MakeDither = std::unique_ptr<BandDither> (*)(int32_t width);
 
 struct Form {
     const char *name;
@@ -30,6 +30,7 @@ void PrintTo(const Form &form, std::ostream *out) {
 
 const Form kForms[] = {
     {"Fastest", MakeBandDither},
+    {"LookUp", [](int32_t width) { return MakeBandDither(width, LuminanceForms().front().spread); }},
     {"Portable",
      [](int32_t width) -> std::unique_ptr<BandDither> { return std::make_unique<PortableDither>(width); }},
 };

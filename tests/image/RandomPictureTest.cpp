@@ -1,3 +1,5 @@
+#include "image/LaneLevels.h"
+#include "image/PrintBmp.h"
 #include "tests/image/Oracle.h"
 #include "tests/image/PictureTest.h"
 #include "tests/image/RandomSeeds.h"
@@ -96,6 +98,16 @@ class RandomPicture : public PictureTest, public testing::WithParamInterface<uin
         os.StopRecording();
     }
 
+    // What a machine without wide instructions prints.
+    static std::vector<uint8_t> RasterWithLookUps() {
+        PrintBmp picture(
+            [](int32_t width) { return MakeBandDither(width, LuminanceForms().front().spread); });
+        EXPECT_EQ(picture.Load(kName), 1);
+        std::vector<uint8_t> commands(static_cast<size_t>(picture.RasterBytes(RasterForm::normal)));
+        EXPECT_EQ(picture.MakeRaster(RasterForm::normal, commands), static_cast<int32_t>(commands.size()));
+        return commands;
+    }
+
     void CompareAllForms(Random &random) {
         BmpBuilder builder = RandomFile(random);
         if (random() % 10 == 0 && !builder.pixels.empty())
@@ -116,6 +128,7 @@ class RandomPicture : public PictureTest, public testing::WithParamInterface<uin
         ClearSpool();
         CompressedBmpSaveSpool(kName);
         ASSERT_EQ(SpoolBytes(), oracle::CompressedRaster(file)) << "compressed";
+        ASSERT_EQ(RasterWithLookUps(), oracle::NormalRaster(file)) << "where no wide instructions are";
     }
 };
 
