@@ -48,6 +48,11 @@ inline Colour Grey(int32_t level) {
     return {byte, byte, byte};
 }
 
+// The same without its colours.
+inline Colour GreyPhotograph(int32_t x, int32_t y) {
+    return Grey(Photograph(x, y).green);
+}
+
 // A logo at the head of every 800 lines: a ring with soft edges.
 inline Colour Logo(int32_t x, int32_t y) {
     const double distance = std::hypot(x - kPictureWidth / 2, y - 90);

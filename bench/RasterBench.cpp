@@ -5,6 +5,7 @@
 #include "image/BandDither.h"
 #include "image/Compressor.h"
 #include "image/Dither.h"
+#include "image/LaneLevels.h"
 
 #include <benchmark/benchmark.h>
 
@@ -33,6 +34,7 @@ struct Subject {
 };
 
 constexpr Subject kPhotograph = {"photograph", bench::Photograph};
+constexpr Subject kGreyPhotograph = {"grey_photograph", bench::GreyPhotograph};
 constexpr Subject kText = {"text", bench::Text};
 constexpr Subject kWhite = {"white", bench::White};
 
@@ -81,13 +83,17 @@ void ConvertBands(nadrel::BandDither &dither, const std::vector<uint8_t> &bmp, s
     }
 }
 
-void DitherBands(benchmark::State &state, std::unique_ptr<nadrel::BandDither> (*make)(int32_t width)) {
+void DitherBands(benchmark::State &state, nadrel::MakeDither make) {
     const std::vector<uint8_t> bmp = bench::BmpOf(bench::Photograph);
     std::vector<uint8_t> lines(kLineBytes * kPictureHeight);
     const auto dither = make(kPictureWidth);
     while (state.KeepRunningBatch(kPixels))
         ConvertBands(*dither, bmp, lines);
     bench::ReportAt4GHz(state);
+}
+
+std::unique_ptr<nadrel::BandDither> MakeWithLookUps(int32_t width) {
+    return nadrel::MakeBandDither(width, nadrel::LuminanceForms().front().spread);
 }
 
 std::unique_ptr<nadrel::BandDither> MakePortable(int32_t width) {
@@ -226,6 +232,7 @@ void CompressAgainstBytewise(benchmark::State &state, const Subject &subject) {
 } // namespace
 
 BENCHMARK_CAPTURE(FromFileToSpool, normal_photograph, kPhotograph, NormalBmpSaveSpool);
+BENCHMARK_CAPTURE(FromFileToSpool, normal_grey_photograph, kGreyPhotograph, NormalBmpSaveSpool);
 BENCHMARK_CAPTURE(FromFileToSpool, normal_text, kText, NormalBmpSaveSpool);
 BENCHMARK_CAPTURE(FromFileToSpool, normal_white, kWhite, NormalBmpSaveSpool);
 BENCHMARK_CAPTURE(FromFileToSpool, positioned_photograph, kPhotograph, PrintPositioned);
@@ -236,6 +243,7 @@ BENCHMARK_CAPTURE(CompressedAgainstNormal, photograph, kPhotograph);
 BENCHMARK_CAPTURE(CompressedAgainstNormal, text, kText);
 BENCHMARK_CAPTURE(CompressedAgainstNormal, white, kWhite);
 BENCHMARK_CAPTURE(DitherBands, fastest, nadrel::MakeBandDither);
+BENCHMARK_CAPTURE(DitherBands, look_ups, MakeWithLookUps);
 BENCHMARK_CAPTURE(DitherBands, portable, MakePortable);
 BENCHMARK(DitherRows);
 BENCHMARK_CAPTURE(Compress, photograph, kPhotograph);
