@@ -20,9 +20,9 @@
 //     share = average(carry, 0)                 =  24 - q            q = f >> 2
 //     n of the next pixel = saturate((127 - luminance) + (carry + share + share' - 96))
 //
-// Pixels before the first and behind the last column are black and hand nothing on; only where a row begins
-// and ends must the share that would cross its border be left out. A row of nothing but black and white takes
-// in no errors.
+// Pixels before the first column are black and hand nothing on, and what is computed behind the last is not
+// looked at; only where a row begins and ends must the share that would cross its border be left out. A row
+// of nothing but black and white takes in no errors.
 //
 // The signs of n are gathered as one byte for each eight rows and step, and turned into lines of dots at the
 // end. A band of nothing but black and white, as logos and text are, needs none of this: its pixels are its

@@ -1,7 +1,10 @@
 #include "tools/Sending.h"
 
 #include "tools/HexDump.h"
+#include "tools/NotificationQueue.h"
 #include "tools/PortCapture.h"
+
+#include "api/NadrelPrinter.h"
 
 #include <cerrno>
 #include <fstream>
@@ -35,10 +38,31 @@ class Output {
     std::ofstream file;
 };
 
+// A printer that is out of paper takes nothing; this is for someone to put paper in.
+constexpr std::chrono::seconds kPatience{60};
+
+// A framed printer answers frame by frame. Its answer to a TCP connection that is closed already makes it
+// lose the rest, so the connection stays until a question behind it all has been answered.
+void AwaitTheLastAnswer(const Link &link, const LinkOptions &options) {
+    NotificationQueue queue;
+    const Listening listening(&NotificationQueue::Handle, &queue);
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    do {
+        GetPrinterStatus(0);
+        link.RequireEverythingTaken();
+        if (queue.WaitFor("S", std::chrono::seconds(1)))
+            return;
+    } while (std::chrono::steady_clock::now() < end);
+    throw LinkFailure(options.Name() + ": everything was sent, but the printer has answered nothing for " +
+                      std::to_string(kPatience.count()) + " s; the end may not have arrived");
+}
+
 void SendOnLink(const LinkOptions &options, const std::function<void()> &send) {
     const Link link(options);
     send();
     link.RequireEverythingTaken();
+    if (options.framed && !options.tcp.empty())
+        AwaitTheLastAnswer(link, options);
 }
 
 void SendToHex(const Destination &destination, const std::function<void()> &send) {

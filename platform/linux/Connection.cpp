@@ -4,8 +4,11 @@
 
 #include <algorithm>
 #include <fcntl.h>
+#include <linux/sockios.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <sys/ioctl.h>
+#include <thread>
 
 namespace platform {
 
@@ -41,13 +44,32 @@ int OutcomeOf(int socket, short report) {
     return error == 0 && (report & POLLHUP) != 0 ? ENOTCONN : error;
 }
 
-// Takes what was received and not read: the system answers a close over such bytes with a reset, which makes
-// the peer lose the end of what was sent. Bounded, should the peer send without end.
+// How long a close may wait for what was sent to arrive.
+constexpr std::chrono::milliseconds kLastMoments{100};
+
+// Takes what was received and not read. Bounded, should the peer send without end.
 void DropReceived(int socket) {
     uint8_t dropped[4096];
     for (int i = 0; i < 1024; ++i)
         if (recv(socket, dropped, sizeof dropped, MSG_DONTWAIT) <= 0)
             return;
+}
+
+bool HasArrived(int socket) {
+    int underway = 0;
+    return ioctl(socket, SIOCOUTQ, &underway) != 0 || underway == 0;
+}
+
+// The system answers a close over bytes that nobody read, and bytes that come after it, with a reset, which
+// makes the peer lose the end of what was sent. So what was sent arrives first, as far as the peer takes it
+// in time.
+void LetArrive(int socket) {
+    const auto end = std::chrono::steady_clock::now() + kLastMoments;
+    DropReceived(socket);
+    while (!HasArrived(socket) && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1)); // an arrival wakes nobody
+        DropReceived(socket);
+    }
 }
 
 } // namespace
@@ -62,7 +84,7 @@ Descriptor MakeStream(int family) {
 }
 
 Connection::~Connection() {
-    DropReceived(Number());
+    LetArrive(Number());
 }
 
 bool Connection::Connect(const std::string &host, uint32_t port) {

@@ -7,8 +7,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <fcntl.h>
 #include <numeric>
+#include <thread>
 
 namespace {
 
@@ -328,6 +330,46 @@ TEST_F(SocketTransfer, ThePrinterGetsTheWholeReceiptAlsoWhenNobodyReadWhatItSaid
     ASSERT_EQ(platform::CloseSocket(socket.Handle()), 0);
     EXPECT_EQ(printer.Read(100'001), Bytes(100'000, 'R'));
     EXPECT_TRUE(printer.AtEnd()) << "an orderly end, no reset";
+}
+
+// As a printer does that answers each piece of what it is sent.
+Bytes ReadAndAnswer(Peer &printer, size_t count) {
+    Bytes all;
+    for (Bytes some = printer.Read(10'000); !some.empty(); some = printer.Read(10'000)) {
+        all.insert(all.end(), some.begin(), some.end());
+        printer.Write({0x06});
+        if (all.size() >= count)
+            break;
+    }
+    return all;
+}
+
+TEST(SocketClose, LetsWhatWasSentArriveThoughThePeerAnswersInTheMiddle) {
+    // The close waits for a moment only: a machine that stands still for longer may lose a round.
+    constexpr size_t count = 200'000;
+    bool arrived = false;
+    for (int round = 0; round < 5 && !arrived; ++round) {
+        Listener listener;
+        listener.LimitReceiveBuffer(50'000);
+        platform::CAsyncSocket client;
+        ASSERT_TRUE(ConnectTo(listener, client));
+        Peer printer = listener.Accept();
+        const Bytes bytes(count);
+        uint32_t taken = 0;
+        EXPECT_EQ(platform::Send(client.Handle(), bytes.data(), count, taken), int32_t{count});
+        std::atomic<bool> closing = false;
+        Bytes read;
+        std::thread printing([&] {
+            closing.wait(false);
+            read = ReadAndAnswer(printer, count);
+        });
+        closing = true;
+        closing.notify_one();
+        EXPECT_EQ(platform::CloseSocket(client.Handle()), 0);
+        printing.join();
+        arrived = read.size() == count;
+    }
+    EXPECT_TRUE(arrived);
 }
 
 TEST_F(SocketTransfer, ClosingWhileOthersSendAndReceiveIsSafe) {
