@@ -11,11 +11,12 @@ _PATIENCE = 30  # seconds
 
 
 class Peer:
-    """Takes one host at a time and answers the query frame of a framed link."""
+    """Takes one host at a time and answers the query frame of a framed link unless told not to."""
 
     host = "127.0.0.1"
 
     def __init__(self) -> None:
+        self.answers_queries = True
         self._changed = threading.Condition()
         self._received = b""
         self._connection: socket.socket | None = None
@@ -44,6 +45,14 @@ class Peer:
         with self._changed:
             self._changed.wait_for(lambda: len(self._received) >= count, _PATIENCE)
             taken, self._received = self._received, b""
+            return taken
+
+    def take_until(self, end: bytes) -> bytes:
+        """Wait for bytes that are the end; what came before them since the last call comes back."""
+        with self._changed:
+            self._changed.wait_for(lambda: end in self._received, _PATIENCE)
+            taken, found, self._received = self._received.partition(end)
+            assert found, f"the end did not come, but {taken!r}"
             return taken
 
     def send(self, data: bytes) -> None:
@@ -81,7 +90,7 @@ class Peer:
             with self._changed:
                 self._received += data
                 self._changed.notify_all()
-            if data == QUERY_FRAME:
+            if data == QUERY_FRAME and self.answers_queries:
                 connection.sendall(FRAMED_STATUS)
 
     def _receive(self, connection: socket.socket) -> bytes:

@@ -143,6 +143,10 @@ class Errors(unittest.TestCase):
                 str(PrinterError("ControlCommand", -12)), "ControlCommand: the spool has no room for it (-12)"
             )
 
+    def test_appending_nothing_is_no_error(self) -> None:
+        with linked(on_tcp) as (_, printer):
+            self.assertEqual(printer.append(b""), 0)
+
     def test_a_printer_that_is_closed(self) -> None:
         with linked(on_tcp) as (_, printer):
             printer.close()

@@ -19,7 +19,7 @@ _SERIAL = {
 _STATUS = {0: _OUT_OF_MEMORY, -1: _NO_LINK, -7: "the printer did not answer in time"}
 
 _MEANINGS: dict[str, dict[int, str]] = {
-    "ControlCommand": {**_APPENDING, 0: "the count is negative or the bytes cannot be read"},
+    "ControlCommand": _APPENDING,
     "SaveSpool": {**_APPENDING, 0: "there is no text", -12: "the text would take the spool past 9999 bytes"},
     "SetPrintPosition": _APPENDING,
     "OneDimensionBarcodeSaveSpool": _APPENDING,
