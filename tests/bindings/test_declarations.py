@@ -40,10 +40,8 @@ class Declarations(unittest.TestCase):
                 self.assertIs(result, RESULTS[function.result])
                 self.assertEqual(list(arguments), [ARGUMENTS[p.type] for p in function.parameters])
 
-    def test_the_83_printer_functions_are_declared_as_in_the_header(self) -> None:
-        declared = header.functions("NadrelPrinter.h")
-        self.assertEqual(len(declared), 83)
-        self.require_same(declared, python.PRINTER_FUNCTIONS)
+    def test_the_printer_functions_are_declared_as_in_the_header(self) -> None:
+        self.require_same(header.functions("NadrelPrinter.h"), python.PRINTER_FUNCTIONS)
 
     def test_the_exported_names_are_declared(self) -> None:
         self.assertEqual(header.exported("NadrelPrinter.exports"), sorted(python.PRINTER_FUNCTIONS))

@@ -30,6 +30,10 @@ class VirtualPrinter:
     def __exit__(
         self, kind: type[BaseException] | None, error: BaseException | None, trace: TracebackType | None
     ) -> None:
+        self.close()
+
+    def close(self) -> None:
+        """End the printer and remove its files."""
         self.quit()
         self._folder.cleanup()
 

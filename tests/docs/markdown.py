@@ -12,7 +12,7 @@ Row = dict[str, str]  # cells by column heading
 
 @dataclass(frozen=True)
 class Block:
-    """A code block: fenced, with its language, or indented by four spaces, without one."""
+    """A code block: fenced, with its language; or indented by four spaces, up to an empty line, without one."""
 
     document: Path
     line: int  # of its first line, from 1
@@ -55,10 +55,8 @@ def _begins_indented(lines: list[str], number: int) -> bool:
 
 
 def _end_of_indented(lines: list[str], number: int) -> int:
-    while number < len(lines) and (lines[number].startswith("    ") or not lines[number].strip()):
+    while number < len(lines) and lines[number].startswith("    "):
         number += 1
-    while not lines[number - 1].strip():
-        number -= 1
     return number
 
 
