@@ -135,6 +135,7 @@ class Shell:
         for entry in markdown.ROOT.iterdir():
             if entry.name not in _NOT_LINKED:
                 (self.folder / entry.name).symlink_to(entry)
+        (self.folder / "photo.jpg").symlink_to(Path(__file__).with_name("photo.jpg"))
         (self.folder / "build").mkdir()
         (self.folder / "build" / "release").symlink_to(PROGRAMS)
 
