@@ -3,9 +3,8 @@
 import atexit
 import ctypes
 import logging
-import threading
+import queue
 import weakref
-from collections import deque
 from collections.abc import Callable, Iterator
 from dataclasses import dataclass
 from enum import IntEnum
@@ -86,8 +85,8 @@ class NotificationStream(Iterator[Notification]):
     def __init__(self, timeout_ms: int | None = None) -> None:
         self.dropped = 0
         self._timeout_ms = timeout_ms
-        self._changed = threading.Condition()
-        self._waiting: deque[Notification] = deque()
+        # Takes no lock that a printer which is collected meanwhile could wait for. None is the end.
+        self._waiting: queue.SimpleQueue[Notification | None] = queue.SimpleQueue()
         self._ended = False
 
     def __enter__(self) -> "NotificationStream":
@@ -110,27 +109,28 @@ class NotificationStream(Iterator[Notification]):
 
     def get(self, timeout_ms: int | None = None) -> Notification | None:
         """Wait for the next one, at most timeout_ms milliseconds (None: no limit); None when none came."""
-        seconds = None if timeout_ms is None else timeout_ms / 1000
-        with self._changed:
-            self._changed.wait_for(lambda: self._waiting or self._ended, seconds)
-            return self._waiting.popleft() if self._waiting else None
+        try:
+            notification = self._waiting.get(timeout=None if timeout_ms is None else timeout_ms / 1000)
+        except queue.Empty:
+            return None
+        if notification is None:
+            self._waiting.put(None)
+        return notification
 
     def put(self, notification: Notification) -> None:
         """Add one; it is dropped when the stream has ended or too many wait."""
-        with self._changed:
-            if self._ended:
-                return
-            if len(self._waiting) >= _MOST_WAITING:
-                self.dropped += 1
-                return
-            self._waiting.append(notification)
-            self._changed.notify()
+        if self._ended:
+            return
+        if self._waiting.qsize() >= _MOST_WAITING:
+            self.dropped += 1
+        else:
+            self._waiting.put(notification)
 
     def close(self) -> None:
         """End the stream: who waits for a notification waits no longer."""
-        with self._changed:
+        if not self._ended:
             self._ended = True
-            self._changed.notify_all()
+            self._waiting.put(None)
 
 
 class Dispatcher:
@@ -141,9 +141,8 @@ class Dispatcher:
 
     def __init__(self, functions: Any) -> None:
         self.handler: Handler | None = None
-        # A collection that runs while the lock is held may close a printer, which asks for the lock again.
-        self._lock = threading.RLock()
-        self._streams: weakref.WeakSet[NotificationStream] = weakref.WeakSet()
+        # Replaced, never changed: the library's thread reads it without a lock.
+        self._streams: tuple[weakref.ref[NotificationStream], ...] = ()
         self._callback = NotificationHandler(self._receive)
         functions.SetNotificationHandler(self._callback, None)
         # A thread that enters the interpreter when that is ending would take the process down.
@@ -151,15 +150,15 @@ class Dispatcher:
 
     def add(self, stream: NotificationStream) -> None:
         """Have a stream told, as long as somebody holds it."""
-        with self._lock:
-            self._streams.add(stream)
+        held = (known for known in self._streams if known() is not None)
+        self._streams = (*held, weakref.ref(stream))
 
     def _receive(self, _message: int, w_param: int, l_param: int, _context: int | None) -> None:
         notification = Notification.from_message(w_param, l_param)
-        with self._lock:
-            streams = list(self._streams)
-        for stream in streams:
-            stream.put(notification)
+        for known in self._streams:
+            stream = known()
+            if stream is not None:
+                stream.put(notification)
         handler = self.handler
         if handler is not None:
             _call(handler, notification)
