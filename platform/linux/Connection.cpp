@@ -47,7 +47,8 @@ int OutcomeOf(int socket, short report) {
 // How long a close may wait for what was sent to arrive.
 constexpr std::chrono::milliseconds kLastMoments{100};
 
-// Takes what was received and not read. Bounded, should the peer send without end.
+// Takes what was received and not read: the system answers a close over such bytes with a reset, which makes
+// the peer lose the end of what was sent. Bounded, should the peer send without end.
 void DropReceived(int socket) {
     uint8_t dropped[4096];
     for (int i = 0; i < 1024; ++i)
@@ -58,18 +59,6 @@ void DropReceived(int socket) {
 bool HasArrived(int socket) {
     int underway = 0;
     return ioctl(socket, SIOCOUTQ, &underway) != 0 || underway == 0;
-}
-
-// The system answers a close over bytes that nobody read, and bytes that come after it, with a reset, which
-// makes the peer lose the end of what was sent. So what was sent arrives first, as far as the peer takes it
-// in time.
-void LetArrive(int socket) {
-    const auto end = std::chrono::steady_clock::now() + kLastMoments;
-    DropReceived(socket);
-    while (!HasArrived(socket) && std::chrono::steady_clock::now() < end) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1)); // an arrival wakes nobody
-        DropReceived(socket);
-    }
 }
 
 } // namespace
@@ -84,7 +73,16 @@ Descriptor MakeStream(int family) {
 }
 
 Connection::~Connection() {
-    LetArrive(Number());
+    DropReceived(Number());
+}
+
+void Connection::LetArrive() const {
+    const auto end = std::chrono::steady_clock::now() + kLastMoments;
+    DropReceived(Number());
+    while (!HasArrived(Number()) && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1)); // an arrival wakes nobody
+        DropReceived(Number());
+    }
 }
 
 bool Connection::Connect(const std::string &host, uint32_t port) {

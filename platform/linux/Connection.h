@@ -20,6 +20,11 @@ class Connection : public Endpoint {
     ~Connection();
 
     bool ClosingMayBlock() const { return false; }
+
+    // Before a close: waits until what was sent has arrived, 100 ms at most, and drops what is received. The
+    // system answers bytes that come after the close with a reset, too.
+    void LetArrive() const;
+
     const CAsyncSocket *Owner() const { return owner; }
 
     bool IsNonBlocking() const { return nonBlocking; }

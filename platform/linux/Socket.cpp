@@ -103,6 +103,10 @@ int32_t SelectWritable(SocketHandle, SocketHandle socket, int32_t seconds, int32
 }
 
 int32_t CloseSocket(SocketHandle socket) {
+    constexpr long tableAndThis = 2;
+    // A call in progress holds it as well; what that has not sent is given up.
+    if (const auto connection = Connections().Find(socket); connection.use_count() == tableAndThis)
+        connection->LetArrive();
     return CloseHandle(Connections(), socket) ? 0 : -1;
 }
 
