@@ -70,7 +70,7 @@ typedef wchar_t NadrelChar;
 #endif
 #define NADREL_CALL __cdecl
 #ifdef NADREL_BUILDING
-#define NADREL_API __declspec(dllexport)
+#define NADREL_API /* exported by the list of names */
 #else
 #define NADREL_API __declspec(dllimport)
 #endif

@@ -6,6 +6,13 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # g++ 12 sees overlapping copies in std::string's operator+ that are not there.
     target_compile_options(nadrel_settings INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
 endif()
+if(WIN32)
+    # The system of Windows 7 and later, the wide names of its calls, and nothing that the headers need not declare.
+    target_compile_definitions(nadrel_settings INTERFACE
+        _WIN32_WINNT=0x0601 UNICODE NOMINMAX WIN32_LEAN_AND_MEAN)
+    # Whatever runs needs the system's own libraries only.
+    target_link_options(nadrel_settings INTERFACE -static)
+endif()
 
 if(NADREL_SANITIZE)
     add_compile_options(-fsanitize=${NADREL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
@@ -28,4 +35,7 @@ function(nadrel_room target)
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON
     )
+    if(WIN32)
+        target_compile_definitions(${target} PRIVATE NADREL_BUILDING)
+    endif()
 endfunction()

@@ -1,0 +1,83 @@
+// What moves bytes through a serial port, and waits for them.
+
+#include "platform/SerialPort.h"
+
+#include "platform/Clock.h"
+#include "platform/windows/LastError.h"
+#include "platform/windows/Overlapped.h"
+#include "platform/windows/Port.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace platform {
+
+namespace {
+
+// How long a wait that has nothing to wait for pauses, in milliseconds.
+constexpr uint32_t kPause = 1;
+
+// The operations that may be in progress at a time, and what the system writes into while they are. Not on the
+// stack of the thread that waits for them, which may be ended by force.
+constinit Overlapped waiting;
+constinit Overlapped reading;
+constinit Overlapped writing;
+constinit DWORD happened = 0;
+constinit char chunk[256] = {};
+
+bool IsUnderWay(BOOL begun) {
+    return begun || GetLastError() == ERROR_IO_PENDING;
+}
+
+bool WaitForEvent(HANDLE port) {
+    happened = 0;
+    if (!waiting.Begin())
+        return false;
+    const bool underWay = IsUnderWay(WaitCommEvent(port, &happened, waiting.Get()));
+    DWORD count = 0;
+    return waiting.Finish(port, underWay, count);
+}
+
+} // namespace
+
+bool WaitPortEvent(PortHandle port, PortEvents &events) {
+    events = PortEvents::none;
+    const HANDLE handle = FindPort(port);
+    const bool waited = handle != nullptr && WaitForEvent(handle);
+    if (waited && (happened & EV_RXCHAR) != 0) {
+        events = PortEvents::received;
+        return true;
+    }
+    const DWORD error = GetLastError();
+    Sleep(kPause);
+    return waited || Fail(error);
+}
+
+bool ReadPort(PortHandle port, uint8_t *bytes, uint32_t count, uint32_t &got) {
+    got = 0;
+    const HANDLE handle = FindPort(port);
+    if (handle == nullptr || !reading.Begin())
+        return false;
+    const auto part = std::min<uint32_t>(count, sizeof chunk);
+    const bool underWay = IsUnderWay(ReadFile(handle, chunk, part, nullptr, reading.Get()));
+    DWORD came = 0;
+    const bool read = reading.Finish(handle, underWay, came);
+    std::memcpy(bytes, chunk, came);
+    got = came;
+    return read;
+}
+
+// Returns when the system has let go of the bytes, however it ends.
+bool WritePort(PortHandle port, const uint8_t *bytes, uint32_t count, uint32_t &taken) {
+    taken = 0;
+    const HANDLE handle = FindPort(port);
+    if (handle == nullptr || !writing.Begin())
+        return false;
+    const bool underWay = IsUnderWay(WriteFile(handle, bytes, count, nullptr, writing.Get()));
+    DWORD went = 0;
+    const bool wrote = writing.Finish(handle, underWay, went);
+    taken = went;
+    return wrote && (went == count || Fail(ERROR_TIMEOUT));
+}
+
+} // namespace platform

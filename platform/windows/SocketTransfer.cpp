@@ -1,0 +1,65 @@
+// What moves bytes through a connection, and waits for them.
+
+#include "platform/Socket.h"
+
+#include "platform/Clock.h"
+#include "platform/windows/LastError.h"
+#include "platform/windows/Overlapped.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace platform {
+
+namespace {
+
+constexpr uint32_t kChunk = 255;
+
+// How long a receive on a connection that is over pauses before it fails, in milliseconds.
+constexpr uint32_t kPauseWhenGone = 50;
+
+// Of the one receive in progress. Not on the stack of the thread that waits for it, which may be ended by force.
+constinit Overlapped receiving;
+constinit char chunk[kChunk] = {};
+
+// The bytes that came, 0 or -1 when the connection is over.
+int32_t ReceiveChunk(HANDLE socket, uint32_t count) {
+    WSABUF buffer = {std::min(count, kChunk), chunk};
+    DWORD flags = 0;
+    if (!receiving.Begin())
+        return -1;
+    const int begun = WSARecv(reinterpret_cast<SOCKET>(socket), &buffer, 1, nullptr, &flags,
+                              receiving.Get(), nullptr);
+    DWORD got = 0;
+    const bool came = receiving.Finish(socket, begun == 0 || WSAGetLastError() == WSA_IO_PENDING, got);
+    return came ? static_cast<int32_t>(got) : -1;
+}
+
+} // namespace
+
+int32_t Send(SocketHandle socket, const uint8_t *bytes, uint32_t count, uint32_t &taken) {
+    taken = 0;
+    while (taken < count) {
+        const auto part = static_cast<int>(std::min<uint32_t>(count - taken, 1u << 20));
+        const int sent =
+            send(static_cast<SOCKET>(socket), reinterpret_cast<const char *>(bytes + taken), part, 0);
+        if (sent < 0)
+            return -1;
+        taken += static_cast<uint32_t>(sent);
+    }
+    return static_cast<int32_t>(taken);
+}
+
+int32_t Receive(SocketHandle socket, uint8_t *bytes, uint32_t count) {
+    const int32_t got = ReceiveChunk(reinterpret_cast<HANDLE>(socket), count);
+    if (got > 0) {
+        std::memcpy(bytes, chunk, static_cast<size_t>(got));
+        return got;
+    }
+    const DWORD error = GetLastError();
+    Sleep(kPauseWhenGone);
+    Fail(error);
+    return got;
+}
+
+} // namespace platform

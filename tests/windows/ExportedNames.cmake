@@ -1,0 +1,12 @@
+include(${CMAKE_CURRENT_LIST_DIR}/../exports/NameLists.cmake)
+
+nadrel_run(headers ${TOOL} -p ${LIBRARY})
+string(REGEX REPLACE "^.*\n\\[Ordinal/Name Pointer\\] Table[^\n]*\n" "" names "${headers}")
+string(REGEX REPLACE "\n\n.*$" "\n" names "${names}")
+string(REGEX REPLACE "[][]" "|" names "${names}")
+string(REGEX MATCHALL "\\| [^\n]+" lines "${names}")
+list(TRANSFORM lines REPLACE "^\\| +" "" OUTPUT_VARIABLE exported)
+list(SORT exported)
+file(STRINGS ${API}/NadrelPrinter.exports listed)
+list(SORT listed)
+nadrel_require_equal("The exported names" "${exported}" "${listed}")
