@@ -28,8 +28,8 @@ int32_t ReceiveChunk(HANDLE socket, uint32_t count) {
     DWORD flags = 0;
     if (!receiving.Begin())
         return -1;
-    const int begun = WSARecv(reinterpret_cast<SOCKET>(socket), &buffer, 1, nullptr, &flags,
-                              receiving.Get(), nullptr);
+    const int begun =
+        WSARecv(reinterpret_cast<SOCKET>(socket), &buffer, 1, nullptr, &flags, receiving.Get(), nullptr);
     DWORD got = 0;
     const bool came = receiving.Finish(socket, begun == 0 || WSAGetLastError() == WSA_IO_PENDING, got);
     return came ? static_cast<int32_t>(got) : -1;
