@@ -71,9 +71,13 @@ void RawPeer::ListenOnSocket() {
 int32_t RawPeer::Connect(Form form) {
     const int32_t result =
         medium == Medium::serial ? ConnectSerial(serialPath, form) : ConnectTcp(tcpPort, form);
+    Forget();
+    return result;
+}
+
+void RawPeer::Forget() {
     const std::lock_guard lock(mutex);
     received.clear();
-    return result;
 }
 
 Bytes RawPeer::Await(size_t count) {

@@ -26,7 +26,11 @@ class RawPeer {
     // Sends bytes to the library.
     void Send(const Bytes &bytes);
 
+    // Forgets what came so far.
+    void Forget();
+
     const std::string &SerialPath() const { return serialPath; }
+    uint32_t TcpPort() const { return tcpPort; }
 
   private:
     void ListenOnTerminal();

@@ -1,0 +1,139 @@
+#include "tests/hosts/System.h"
+
+#include <atomic>
+#include <semaphore>
+#include <thread>
+#include <windows.h>
+
+namespace hosts {
+namespace {
+
+HMODULE library = nullptr;
+Told listener;
+UINT notification = 0;
+std::binary_semaphore windowIsThere{0};
+
+LRESULT CALLBACK Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != notification)
+        return DefWindowProcW(window, message, wParam, lParam);
+    listener(static_cast<uint32_t>(wParam), lParam);
+    return 0;
+}
+
+// A top-level window, as the library's messages go to, that nobody sees.
+void RunWindow() {
+    WNDCLASSW kind = {};
+    kind.lpfnWndProc = Handle;
+    kind.hInstance = GetModuleHandleW(nullptr);
+    kind.lpszClassName = L"Caller";
+    RegisterClassW(&kind);
+    CreateWindowExW(0, L"Caller", L"Caller", WS_OVERLAPPEDWINDOW, 0, 0, 10, 10, nullptr, nullptr,
+                    kind.hInstance, nullptr);
+    windowIsThere.release();
+    for (MSG message; GetMessageW(&message, nullptr, 0, 0) > 0;)
+        DispatchMessageW(&message);
+}
+
+// Only a handle in overlapped mode takes a completion port.
+std::string IsOverlapped(HANDLE handle) {
+    const HANDLE port = CreateIoCompletionPort(handle, nullptr, 0, 1);
+    const std::string answer = port != nullptr ? "overlapped" : "error " + std::to_string(GetLastError());
+    CloseHandle(port);
+    return answer;
+}
+
+std::string IsOwnFileOverlapped(DWORD flags) {
+    const HANDLE file = CreateFileW(L"NADRELPRINTER.dll", GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                    OPEN_EXISTING, flags, nullptr);
+    const std::string answer = IsOverlapped(file);
+    CloseHandle(file);
+    return answer;
+}
+
+HANDLE PortHandle() {
+    return reinterpret_cast<HANDLE>(Find("GetPortHandle")(0, 0, 0, 0, 0, 0, 0, 0));
+}
+
+std::string CountHandles() {
+    DWORD count = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &count);
+    return std::to_string(count);
+}
+
+std::string ResourceString() {
+    wchar_t text[100] = {};
+    LoadStringW(library, 101, text, 100);
+    const std::wstring wide = text;
+    return {wide.begin(), wide.end()};
+}
+
+// The text of the first box that a thread finds, which it then closes.
+std::atomic<bool> boxIsExpected = false;
+std::string boxText;
+
+void CloseBox() {
+    HWND box = nullptr;
+    while (box == nullptr && boxIsExpected) {
+        box = FindWindowW(L"#32770", L"NADRELPRINTER");
+        Sleep(1);
+    }
+    wchar_t text[200] = {};
+    GetDlgItemTextW(box, 0xFFFF, text, 200);
+    const std::wstring wide = text;
+    boxText.assign(wide.begin(), wide.end());
+    PostMessageW(box, WM_COMMAND, IDOK, 0);
+}
+
+std::string LoadAndReadBox() {
+    std::string error;
+    boxIsExpected = true;
+    std::thread reader(CloseBox);
+    const bool isLoaded = Load("NADRELPRINTER.dll", error);
+    boxIsExpected = false;
+    reader.join();
+    return (isLoaded ? "loaded, box: " : "not loaded, box: ") + boxText;
+}
+
+} // namespace
+
+bool Load(const std::string &file, std::string &error) {
+    library = LoadLibraryA(file.c_str());
+    if (library == nullptr)
+        error = "error " + std::to_string(GetLastError());
+    return library != nullptr;
+}
+
+bool Unload() {
+    return FreeLibrary(library) && GetModuleHandleA("NADRELPRINTER.dll") == nullptr;
+}
+
+Function Find(const std::string &name) {
+    return reinterpret_cast<Function>(reinterpret_cast<void *>(GetProcAddress(library, name.c_str())));
+}
+
+void Listen(Told told) {
+    listener = std::move(told);
+    notification = RegisterWindowMessageW(L"NADREL_PRT_OK");
+    std::thread(RunWindow).detach();
+    windowIsThere.acquire();
+}
+
+std::string AnswerOwn(const std::string &question) {
+    if (question == "is the port overlapped")
+        return IsOverlapped(PortHandle());
+    if (question == "is a file overlapped")
+        return IsOwnFileOverlapped(FILE_FLAG_OVERLAPPED);
+    if (question == "is a plain file overlapped")
+        return IsOwnFileOverlapped(0);
+    if (question == "handles")
+        return CountHandles();
+    if (question == "string 101")
+        return ResourceString();
+    if (question == "load and read the box")
+        return LoadAndReadBox();
+    if (question == "code page")
+        return std::to_string(GetACP());
+    return "unknown";
+}
+
+} // namespace hosts
