@@ -76,8 +76,11 @@ std::string PortName(const std::string &path, const std::string &port) {
     return port;
 }
 
+CallingHost::CallingHost(const fs::path &program, const fs::path &folder, const Environment &environment)
+    : process(Start(program, {}, folder / "caller", environment)) {}
+
 CallingHost::CallingHost(const fs::path &folder, const Environment &environment)
-    : process(Start(CallerProgram(), {}, folder / "caller", environment)) {
+    : CallingHost(CallerProgram(), folder, environment) {
     if (Ask("load " + LibraryFile()) != "loaded")
         throw std::runtime_error("the library is not loaded: " + Answers().back());
 }

@@ -24,6 +24,9 @@ class CallingHost {
   public:
     // Its files are kept in the folder. Throws when the library cannot be loaded.
     explicit CallingHost(const std::filesystem::path &folder, const Environment &environment = {});
+    // Another copy of the program, which has not loaded it.
+    CallingHost(const std::filesystem::path &program, const std::filesystem::path &folder,
+                const Environment &environment);
 
     // What it answers. Throws when it complains or is gone.
     std::string Ask(const std::string &line);

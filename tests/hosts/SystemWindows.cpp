@@ -36,6 +36,8 @@ void RunWindow() {
 
 // Only a handle in overlapped mode takes a completion port.
 std::string IsOverlapped(HANDLE handle) {
+    if (handle == INVALID_HANDLE_VALUE)
+        return "no handle";
     const HANDLE port = CreateIoCompletionPort(handle, nullptr, 0, 1);
     const std::string answer = port != nullptr ? "overlapped" : "error " + std::to_string(GetLastError());
     CloseHandle(port);
@@ -43,8 +45,10 @@ std::string IsOverlapped(HANDLE handle) {
 }
 
 std::string IsOwnFileOverlapped(DWORD flags) {
-    const HANDLE file = CreateFileW(L"NADRELPRINTER.dll", GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                    OPEN_EXISTING, flags, nullptr);
+    wchar_t name[1000];
+    GetModuleFileNameW(library, name, 1000);
+    const HANDLE file =
+        CreateFileW(name, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, flags, nullptr);
     const std::string answer = IsOverlapped(file);
     CloseHandle(file);
     return answer;
@@ -54,10 +58,21 @@ HANDLE PortHandle() {
     return reinterpret_cast<HANDLE>(Find("GetPortHandle")(0, 0, 0, 0, 0, 0, 0, 0));
 }
 
-std::string CountHandles() {
-    DWORD count = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &count);
-    return std::to_string(count);
+// The lowest number that is free: it grows when handles are lost.
+std::string NextHandle() {
+    const HANDLE next = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    CloseHandle(next);
+    return std::to_string(reinterpret_cast<intptr_t>(next));
+}
+
+uint64_t Milliseconds(const FILETIME &time) {
+    return (static_cast<uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime) / 10000;
+}
+
+std::string ProcessorTime() {
+    FILETIME start, end, kernel, user;
+    GetProcessTimes(GetCurrentProcess(), &start, &end, &kernel, &user);
+    return std::to_string(Milliseconds(kernel) + Milliseconds(user));
 }
 
 std::string ResourceString() {
@@ -67,12 +82,14 @@ std::string ResourceString() {
     return {wide.begin(), wide.end()};
 }
 
-// The text of the first box that a thread finds, which it then closes.
+// The text of the box that a thread finds, which it then closes. No thread begins to run while a library is loading.
 std::atomic<bool> boxIsExpected = false;
+std::binary_semaphore readerRuns{0};
 std::string boxText;
 
 void CloseBox() {
     HWND box = nullptr;
+    readerRuns.release();
     while (box == nullptr && boxIsExpected) {
         box = FindWindowW(L"#32770", L"NADRELPRINTER");
         Sleep(1);
@@ -88,6 +105,7 @@ std::string LoadAndReadBox() {
     std::string error;
     boxIsExpected = true;
     std::thread reader(CloseBox);
+    readerRuns.acquire();
     const bool isLoaded = Load("NADRELPRINTER.dll", error);
     boxIsExpected = false;
     reader.join();
@@ -125,11 +143,13 @@ std::string AnswerOwn(const std::string &question) {
         return IsOwnFileOverlapped(FILE_FLAG_OVERLAPPED);
     if (question == "is a plain file overlapped")
         return IsOwnFileOverlapped(0);
-    if (question == "handles")
-        return CountHandles();
+    if (question == "next handle")
+        return NextHandle();
+    if (question == "processor time")
+        return ProcessorTime();
     if (question == "string 101")
         return ResourceString();
-    if (question == "load and read the box")
+    if (question == "box at load")
         return LoadAndReadBox();
     if (question == "code page")
         return std::to_string(GetACP());

@@ -78,13 +78,25 @@ static int Size(tcflag_t flags) {
     return size;
 }
 
+/* Of the speeds that the tests set. */
+static int Speed(speed_t code) {
+    static const struct {
+        speed_t code;
+        int speed;
+    } speeds[] = {{B9600, 9600}, {B19200, 19200}, {B57600, 57600}, {B115200, 115200}};
+    for (size_t i = 0; i < sizeof speeds / sizeof speeds[0]; ++i)
+        if (speeds[i].code == code)
+            return speeds[i].speed;
+    return 0;
+}
+
 int tcsetattr(int descriptor, int action, const struct termios *settings) {
     static int (*next)(int, int, const struct termios *);
     char text[80];
     const tcflag_t flags = settings->c_cflag;
     const char *flow = (flags & CRTSCTS) != 0 || (settings->c_iflag & (IXON | IXOFF)) != 0 ? "flow" : "free";
-    snprintf(text, sizeof text, "speed %u %d%c%d %s", cfgetospeed(settings), Size(flags), Parity(flags),
-             (flags & CSTOPB) != 0 ? 2 : 1, flow);
+    snprintf(text, sizeof text, "speed %d %d%c%d %s", Speed(cfgetospeed(settings)), Size(flags),
+             Parity(flags), (flags & CSTOPB) != 0 ? 2 : 1, flow);
     Log(text);
     if (next == NULL)
         *(void **)&next = dlsym(RTLD_NEXT, "tcsetattr");

@@ -1,0 +1,52 @@
+#include "tests/windows/OnWindows.h"
+
+namespace hosts {
+namespace {
+
+using namespace endtoend;
+
+class Loading : public OnWindows {};
+
+TEST_F(Loading, UnloadsAndLoadsAgain) {
+    CallingHost host = StartHost();
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(host.Ask("unload"), "unloaded");
+        EXPECT_EQ(host.Ask("load NADRELPRINTER.dll"), "loaded");
+    }
+}
+
+TEST_F(Loading, UnloadsOnceTheLinkIsClosed) {
+    RawPeer peer(Medium::tcp);
+    CallingHost host = StartHost();
+    host.Connect(Wlan(peer.TcpPort()));
+    EXPECT_EQ(host.Call("ClosePrinter()"), 1);
+    EXPECT_EQ(host.Ask("unload"), "unloaded");
+}
+
+TEST_F(Loading, KeepsItsCodeWhileItsThreadsRun) {
+    RawPeer peer(Medium::tcp);
+    CallingHost host = StartHost();
+    host.Ask("listen");
+    host.Connect(Wlan(peer.TcpPort()));
+    EXPECT_EQ(host.Ask("unload"), "still loaded");
+    peer.Send({'0'});
+    EXPECT_EQ(host.Told(1), std::vector<std::string>{"54 1 30"});
+}
+
+TEST_F(Loading, BringsTheMessageAsString101) {
+    EXPECT_EQ(StartHost().Ask("string 101"), "Windows sockets initialization failed.");
+}
+
+// A socket library stands beside the program that refuses to start.
+TEST_F(Loading, WithoutSocketsShowsTheMessageAndStillServesSerialPorts) {
+    RawPeer peer(Medium::serial);
+    CallingHost host(WindowsFolder() / "nosockets" / "caller.exe", folder.Path(),
+                     {{"WINEDLLOVERRIDES", "ws2_32=n"}});
+    EXPECT_EQ(host.Ask("box at load"), "loaded, box: Windows sockets initialization failed.");
+    EXPECT_EQ(host.Call(Wlan(9100, false, 0)), -1);
+    host.Connect("InitPrinter(" + Quoted(PortName(peer.SerialPath())) + ", 9600, 0)");
+    EXPECT_EQ(host.Call("ClosePrinter()"), 1);
+}
+
+} // namespace
+} // namespace hosts
