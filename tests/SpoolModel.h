@@ -25,7 +25,7 @@ class SpoolModel {
     // Characters that texts of a comparison may have, and their bytes in code page 1252. Each is a text's
     // unit.
     static constexpr std::u16string_view kCharacters = u"A7 ~\x0A\xE9\u20AC\u4E2D\u03A9\xD83D";
-    static constexpr std::string_view kCharacterBytes = "A7 ~\x0A\xE9\x80???";
+    static constexpr std::string_view kCharacterBytes = "A7 ~\x0A\xE9\x80?O?";
 
     int64_t length = 0;
     int64_t mark = 0;

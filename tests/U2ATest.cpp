@@ -30,9 +30,10 @@ TEST_F(U2ATest, ConvertsToTheAnsiCodePage) {
     EXPECT_STREQ(U2A(u"Caf\u00E9 3,20 \u20AC"), "Caf\xE9 3,20 \x80");
 }
 
-TEST_F(U2ATest, GivesAQuestionMarkForWhatThePageLacks) {
+TEST_F(U2ATest, GivesANearCharacterOrAQuestionMarkForWhatThePageLacks) {
     OpenSerialLink();
-    EXPECT_STREQ(U2A(u"a\u4E2Db\U0001F600c\xD83D"), "a?b?c?");
+    EXPECT_STREQ(U2A(u"a\u4E2Db\U0001F600c\xD83D"), "a?b??c?");
+    EXPECT_STREQ(U2A(u"\u0158\u2192\uFF21"), "R?A");
 }
 
 TEST_F(U2ATest, GivesTheSameBufferEveryTimeAndZeroesItFirst) {

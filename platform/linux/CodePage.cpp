@@ -58,4 +58,9 @@ uint16_t BytesInCodePage(size_t page, char16_t character) {
     return (listed & bit) != 0 ? kValues[value] : BytesInOrderedRanges(kPages[page], character, value);
 }
 
+uint16_t NearBytesInCodePage(size_t page, char16_t character) {
+    const uint16_t near = kPages[page].near;
+    return near == 0 ? uint16_t{0} : BytesInCodePage(near, character);
+}
+
 } // namespace platform

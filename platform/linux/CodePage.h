@@ -15,4 +15,7 @@ std::optional<size_t> FindCodePage(uint32_t number);
 // (low); 0 when the page lacks the character. Surrogates are in no page. Constant time, any thread.
 uint16_t BytesInCodePage(size_t page, char16_t character);
 
+// The same of the near character that stands in for one that the page lacks; 0 when it has none.
+uint16_t NearBytesInCodePage(size_t page, char16_t character);
+
 } // namespace platform

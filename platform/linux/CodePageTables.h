@@ -14,6 +14,7 @@ namespace platform::code_page_tables {
 struct Page {
     uint16_t number;    // as Windows counts them: 1252
     uint16_t firstRow;  // in kRows
+    uint16_t near;      // in kPages: what it has near characters for; 0 when that is nothing
     uint8_t firstRange; // in kOrderedRanges
     uint8_t rangeCount;
 };
@@ -35,7 +36,7 @@ struct OrderedRange {
 };
 
 extern const size_t kPageCount;
-extern const Page kPages[]; // the default page first
+extern const Page kPages[]; // the default page first; behind the last, what there are near characters for
 // 256 for each page: its row for a high byte, 1 for the page's first; 0 where the page has none of the 256.
 extern const uint8_t kRowNumbers[];
 extern const Row kRows[];

@@ -5,6 +5,8 @@ set(NADREL_CODE_PAGE_TABLES ${CMAKE_CURRENT_BINARY_DIR}/CodePageTables.cpp)
 add_custom_command(
     OUTPUT ${NADREL_CODE_PAGE_TABLES}
     COMMAND Python3::Interpreter ${CMAKE_CURRENT_LIST_DIR}/generate_code_pages.py ${NADREL_CODE_PAGE_TABLES}
-    DEPENDS ${CMAKE_CURRENT_LIST_DIR}/generate_code_pages.py
+    DEPENDS
+        ${CMAKE_CURRENT_LIST_DIR}/generate_code_pages.py
+        ${CMAKE_CURRENT_LIST_DIR}/near_characters.txt
     COMMENT "Writing the code page tables"
     VERBATIM)

@@ -81,10 +81,22 @@ Character FirstCharacter(const char16_t *text, size_t length) {
     return {0x10000 + ((text[0] & char32_t{0x3FF}) << 10 | (text[1] & char32_t{0x3FF})), 2};
 }
 
+constexpr uint16_t kLackingPair = '?' << 8 | '?';
+
+// No page has what takes two units: each of them becomes a question mark.
+uint16_t BytesOf(size_t page, char32_t character) {
+    if (character > 0xFFFF)
+        return kLackingPair;
+    const auto unit = static_cast<char16_t>(character);
+    const uint16_t own = BytesInCodePage(page, unit);
+    const uint16_t value = own != 0 ? own : NearBytesInCodePage(page, unit);
+    return value != 0 ? value : uint16_t{'?'};
+}
+
 size_t EncodeInTables(size_t page, char32_t character, uint8_t (&bytes)[4]) {
-    const uint16_t value = character > 0xFFFF ? 0 : BytesInCodePage(page, static_cast<char16_t>(character));
+    const uint16_t value = BytesOf(page, character);
     if (value < 0x100) {
-        bytes[0] = value == 0 ? '?' : static_cast<uint8_t>(value);
+        bytes[0] = static_cast<uint8_t>(value);
         return 1;
     }
     bytes[0] = static_cast<uint8_t>(value >> 8);
@@ -96,7 +108,7 @@ size_t Encode(size_t page, char32_t character, uint8_t (&bytes)[4]) {
     if (!IsUtf8(page))
         return EncodeInTables(page, character, bytes);
     const bool lone = IsHighSurrogate(character) || IsLowSurrogate(character);
-    return EncodeUtf8(lone ? U'?' : character, bytes);
+    return EncodeUtf8(lone ? kReplacementCharacter : character, bytes);
 }
 
 void AppendUtf16(char32_t character, std::u16string &text) {

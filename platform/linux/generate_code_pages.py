@@ -5,10 +5,11 @@ usage: generate_code_pages.py OUTPUT.cpp [--sizes]
 
 --sizes prints the bytes of constant data that each page takes. The mappings come from Python's own codecs,
 read in the direction bytes -> character, and from the additions below. Bytes 00 to 7F are ASCII in every page
-and in no table.
+and in no table. What a page lacks and has a near character for comes from near_characters.txt, beside this file.
 """
 
 import argparse
+from pathlib import Path
 
 # The first page is the one that holds until another is set.
 SINGLE_BYTE_PAGES = [1252, 437, 737, 775, 850, 852, 855, 857, 858, 860, 861, 862, 863, 864, 865, 866, 874,
@@ -160,12 +161,23 @@ def add_stray_pairs_936(table):
     table.update(enumerate(stray, FIRST_STRAY_PAIR_936))
 
 
+def near_tables():
+    """Page -> character -> bytes of the near character."""
+    tables = {}
+    for line in Path(__file__).with_name("near_characters.txt").read_text().splitlines():
+        if not line.startswith("#"):
+            page, first, *bytes_of_each = line.split()
+            near = tables.setdefault(int(page), {})
+            near.update(enumerate((int(code, 16) for code in bytes_of_each), int(first, 16)))
+    return tables
+
+
 class Tables:
     """The arrays of CodePageTables.h, filled page by page."""
 
     def __init__(self):
         self.pages, self.row_numbers, self.rows, self.values = [], [], [], []
-        self.ranges, self.trails = [], b""
+        self.ranges, self.trails, self.page_count = [], b"", 0
 
     def add(self, page):
         table, ranges = page_table(page), ordered_ranges(page)
@@ -174,7 +186,14 @@ class Tables:
         ranks = self.add_rows(table, ordered)
         for r in ranges:
             self.add_range(r, table, ranks)
-        self.pages.append((page, first_row, first_range, len(ranges)))
+        self.pages.append((page, first_row, 0, first_range, len(ranges)))
+
+    def add_near(self, page, table):
+        """As a page behind those that can be set; the page's own entry tells where."""
+        place = [entry[0] for entry in self.pages].index(page)
+        self.pages[place] = (*self.pages[place][:2], len(self.pages), *self.pages[place][3:])
+        self.pages.append((page, len(self.rows), 0, 0, 0))
+        self.add_rows(table, set())
 
     def add_rows(self, table, ordered):
         """Returns for each character in the rows the place of the listed value at or behind it."""
@@ -209,7 +228,7 @@ class Tables:
         return "\n".join([
             '#include "platform/linux/CodePageTables.h"\n',
             "namespace platform::code_page_tables {\n",
-            f"const size_t kPageCount = {len(self.pages)};",
+            f"const size_t kPageCount = {self.page_count};",
             array("Page", "kPages", [braced(page) for page in self.pages]),
             array("uint8_t", "kRowNumbers", [str(number) for number in self.row_numbers]),
             array("Row", "kRows", [row_text(row) for row in self.rows]),
@@ -223,9 +242,9 @@ class Tables:
         starts = [page[1] for page in self.pages] + [len(self.rows)]
         values = [self.rows[start][0][1] for start in starts[:-1]] + [len(self.values)]
         total = len(self.trails)
-        for i, (page, _, _, range_count) in enumerate(self.pages):
+        for i, (page, _, _, _, range_count) in enumerate(self.pages):
             row_count, value_count = starts[i + 1] - starts[i], values[i + 1] - values[i]
-            size = 6 + 256 + 48 * row_count + 2 * value_count + 10 * range_count
+            size = 8 + 256 + 48 * row_count + 2 * value_count + 10 * range_count
             total += size
             print(f"{page:5} {size:7}")
         print(f"total {total:7}")
@@ -253,6 +272,9 @@ def main():
     tables = Tables()
     for page in SINGLE_BYTE_PAGES + list(LEAD_BYTES):
         tables.add(page)
+    tables.page_count = len(tables.pages)
+    for page, near in near_tables().items():
+        tables.add_near(page, near)
     with open(arguments.output, "w", encoding="ascii") as output:
         output.write(tables.source())
     if arguments.sizes:
