@@ -111,8 +111,8 @@ bool ClosePort(PortHandle port) {
     const HANDLE handle = FindPort(port);
     if (handle == nullptr)
         return false;
-    CancelIoEx(handle, nullptr);
     openPort = kInvalidPort;
+    CancelIoEx(handle, nullptr); // releases whoever is still reading or writing
     return CloseHandle(handle);
 }
 

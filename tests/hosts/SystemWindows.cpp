@@ -82,20 +82,24 @@ std::string ResourceString() {
     return {wide.begin(), wide.end()};
 }
 
-// The text of the box that a thread finds, which it then closes. No thread begins to run while a library is loading.
+// The text of the box that a thread finds, which it then closes. While a library is loading, no thread begins to run or
+// loads what it needs for its first look at the windows.
 std::atomic<bool> boxIsExpected = false;
-std::binary_semaphore readerRuns{0};
+std::binary_semaphore readerHasLooked{0};
 std::string boxText;
 
+HWND FindBox() {
+    return FindWindowW(L"#32770", L"NADRELPRINTER");
+}
+
 void CloseBox() {
-    HWND box = nullptr;
-    readerRuns.release();
-    while (box == nullptr && boxIsExpected) {
-        box = FindWindowW(L"#32770", L"NADRELPRINTER");
+    HWND box = FindBox();
+    readerHasLooked.release();
+    for (; box == nullptr && boxIsExpected; box = FindBox())
         Sleep(1);
-    }
     wchar_t text[200] = {};
-    GetDlgItemTextW(box, 0xFFFF, text, 200);
+    while (boxIsExpected && GetDlgItemTextW(box, 0xFFFF, text, 200) == 0)
+        Sleep(1); // the box is still being filled
     const std::wstring wide = text;
     boxText.assign(wide.begin(), wide.end());
     PostMessageW(box, WM_COMMAND, IDOK, 0);
@@ -105,7 +109,7 @@ std::string LoadAndReadBox() {
     std::string error;
     boxIsExpected = true;
     std::thread reader(CloseBox);
-    readerRuns.acquire();
+    readerHasLooked.acquire();
     const bool isLoaded = Load("NADRELPRINTER.dll", error);
     boxIsExpected = false;
     reader.join();

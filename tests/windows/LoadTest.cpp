@@ -1,5 +1,7 @@
 #include "tests/windows/OnWindows.h"
 
+#include <map>
+
 namespace hosts {
 namespace {
 
@@ -35,6 +37,26 @@ TEST_F(Loading, KeepsItsCodeWhileItsThreadsRun) {
 
 TEST_F(Loading, BringsTheMessageAsString101) {
     EXPECT_EQ(StartHost().Ask("string 101"), "Windows sockets initialization failed.");
+}
+
+TEST_F(Loading, AnswersWithoutALink) {
+    CallingHost host = StartHost();
+    const std::map<std::string, int32_t> results{{"ControlCommand(b\"ab\", 2)", -11},
+                                                 {"SaveSpool(\"ab\", 0, 0)", -11},
+                                                 {"SelectForTTF(\"a\")", -11},
+                                                 {"OneDimensionBarcodeSaveSpool(73, 2, 80, 1, \"12\")", -11},
+                                                 {"PrintSpool(1)", -11},
+                                                 {"GetPrinterStatus(0)", -1},
+                                                 {"GetPrinterStatusEX(0)", -1},
+                                                 {"EnterMSRMode(1)", -11},
+                                                 {"CardRead(1)", 0},
+                                                 {"SetPaymentReq(1, \"1234567890123\", \"\", \"\")", -1},
+                                                 {"ClosePrinter()", 0},
+                                                 {"ClosePrinterConnection()", 0}};
+    for (const auto &[call, result] : results)
+        EXPECT_EQ(host.Call(call), result) << call;
+    EXPECT_EQ(host.Ask("handle of U2A(\"ab\")"), "0");
+    EXPECT_EQ(host.Ask("handle of GetPortHandle()"), "-1");
 }
 
 // A socket library stands beside the program that refuses to start.

@@ -1,0 +1,88 @@
+/*
+ * A host on Windows: prints a line, asks the printer for its status and shows the answer, which comes to the window as
+ * a message.
+ *
+ * usage: host PORT          a serial port: COM3
+ *        host ADDRESS PORT  a printer on the network: 192.0.2.7 9100
+ */
+#include "api/NadrelPrinter.h"
+
+#include <stdio.h>
+#include <stdlib.h>
+#include <wchar.h>
+#include <windows.h>
+
+#define PATIENCE 10000 /* milliseconds */
+
+static UINT printerSays; /* the number of the library's message */
+
+/* The buffer is the library's and the next reply overwrites it: what is needed is taken here. */
+static void ShowReply(WPARAM wParam, LPARAM lParam) {
+    const unsigned length = wParam & 0xFFFF;
+    const unsigned char *reply = (const unsigned char *)lParam;
+    printf("reply %c:", (int)(wParam >> 16 & 0xFF));
+    for (unsigned i = 0; i < length; ++i)
+        printf(" %02X", reply[i]);
+    printf("\n");
+}
+
+static LRESULT CALLBACK Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == printerSays || message == WM_TIMER) {
+        if (message == printerSays)
+            ShowReply(wParam, lParam);
+        PostQuitMessage(message == printerSays ? 0 : 1);
+        return 0;
+    }
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
+/* Top-level, because the library tells those; it need not be shown. */
+static HWND MakeWindow(void) {
+    WNDCLASSW kind = {0};
+    kind.lpfnWndProc = Handle;
+    kind.hInstance = GetModuleHandleW(NULL);
+    kind.lpszClassName = L"NadrelHost";
+    RegisterClassW(&kind);
+    return CreateWindowExW(0, kind.lpszClassName, L"Host", WS_OVERLAPPEDWINDOW, 0, 0, 200, 100, NULL, NULL,
+                           kind.hInstance, NULL);
+}
+
+static int32_t Connect(int count, wchar_t **words) {
+    if (count == 2)
+        return ConnectSerialPrinter(words[1], 115200, 2000, 0);
+    return ConnectWirelessPrinter(words[1], (uint32_t)wcstoul(words[2], NULL, 10), 5000, 0);
+}
+
+static void Print(void) {
+    SetTextAlignment(1);
+    TextSaveSpool(L"Printed from Windows");
+    PrintData();
+    PrintSpool(1);
+}
+
+static int AwaitReply(HWND window) {
+    MSG message = {0};
+    SetTimer(window, 1, PATIENCE, NULL);
+    while (GetMessageW(&message, NULL, 0, 0) > 0)
+        DispatchMessageW(&message);
+    return (int)message.wParam;
+}
+
+int wmain(int count, wchar_t **words) {
+    if (count != 2 && count != 3) {
+        fprintf(stderr, "usage: host PORT | host ADDRESS PORT\n");
+        return 2;
+    }
+    printerSays = RegisterWindowMessageW(L"NADREL_PRT_OK");
+    const HWND window = MakeWindow();
+    const int32_t connected = Connect(count, words);
+    if (connected != NADREL_SUCCESS) {
+        fprintf(stderr, "host: the connection failed with %d\n", (int)connected);
+        return 1;
+    }
+    Print();
+    const int32_t answered = GetPrinterStatus(PATIENCE);
+    const int result = answered == NADREL_SUCCESS ? AwaitReply(window) : 1;
+    ClosePrinter();
+    return result;
+}

@@ -1,0 +1,90 @@
+// Pictures printed by the DLL, beside what the library makes of them on this system.
+
+#include "tests/windows/OnWindows.h"
+
+#include <fstream>
+#include <random>
+
+namespace hosts {
+namespace {
+
+using namespace endtoend;
+
+struct Shape {
+    uint32_t width, height;
+    uint16_t depth;
+};
+
+std::ostream &operator<<(std::ostream &out, const Shape &shape) {
+    return out << shape.width << "x" << shape.height << "x" << shape.depth;
+}
+
+void Append(Bytes &bytes, uint64_t number, int size) {
+    for (int i = 0; i < size; ++i)
+        bytes.push_back(static_cast<uint8_t>(number >> 8 * i));
+}
+
+// A bitmap file of noise with a fixed seed.
+Bytes Noise(const Shape &shape) {
+    const uint32_t stride = (shape.width * shape.depth + 31) / 32 * 4;
+    const uint32_t start = shape.depth == 1 ? 62 : 54;
+    const uint32_t size = stride * shape.height;
+    Bytes file{'B', 'M'};
+    for (const uint32_t field : {start + size, 0u, start, 40u, shape.width, shape.height})
+        Append(file, field, 4);
+    Append(file, 1, 2);
+    Append(file, shape.depth, 2);
+    for (const uint32_t field : {0u, size, 0u, 0u, 0u, 0u})
+        Append(file, field, 4);
+    std::minstd_rand random(1);
+    while (file.size() < start + size)
+        file.push_back(static_cast<uint8_t>(random() >> 8));
+    return file;
+}
+
+class Picture : public OnWindows, public testing::WithParamInterface<Shape> {
+  protected:
+    Picture() : windowsPeer(Medium::tcp), ownPeer(Medium::tcp) {
+        const Bytes bytes = Noise(GetParam());
+        std::ofstream(File(), std::ios::binary)
+            .write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    }
+    ~Picture() override { ClosePrinter(); }
+
+    std::string File() const { return folder.Path() / "noise.bmp"; }
+
+    // What this system's library sends.
+    Bytes Printed() {
+        EXPECT_EQ(ownPeer.Connect(Form::plain), 1);
+        EXPECT_GT(BmpSaveSpool(ToUtf16(File()).c_str(), 3, 4), 0);
+        CompressedBmpSaveSpool(ToUtf16(File()).c_str());
+        const auto length = static_cast<size_t>(EnterSCRMode() + 1);
+        EXPECT_EQ(PrintSpool(1), 1);
+        const Bytes sent = ownPeer.Await(length);
+        EXPECT_EQ(sent.size(), length);
+        return sent;
+    }
+
+    RawPeer windowsPeer;
+    RawPeer ownPeer;
+};
+
+TEST_P(Picture, PrintsTheSameDotsOnBothSystems) {
+    CallingHost host = StartHost();
+    host.Connect(Wlan(windowsPeer.TcpPort()));
+    const std::string name = Quoted("Z:" + File());
+    host.Ask("BmpSaveSpool(" + name + ", 3, 4)");
+    host.Ask("CompressedBmpSaveSpool(" + name + ")");
+    host.Ask("EnterSCRMode()");
+    EXPECT_EQ(host.Call("PrintSpool(1)"), 1);
+    const Bytes own = Printed();
+    EXPECT_TRUE(windowsPeer.Await(own.size()) == own);
+}
+
+INSTANTIATE_TEST_SUITE_P(, Picture,
+                         testing::Values(Shape{8, 1, 1}, Shape{383, 49, 1}, Shape{1, 1, 24},
+                                         Shape{384, 100, 24}, Shape{101, 24, 24}),
+                         testing::PrintToStringParamName());
+
+} // namespace
+} // namespace hosts
