@@ -1,6 +1,7 @@
 #include "platform/Socket.h"
 
 #include "platform/windows/LastError.h"
+#include "platform/windows/OpenSocket.h"
 #include "platform/windows/WideText.h"
 
 #include <algorithm>
@@ -89,6 +90,10 @@ SocketHandle Replace(SocketHandle handle, int family) {
 
 } // namespace
 
+bool IsOpenSocket(SocketHandle socket) {
+    return (socket != kNoSocket && socket == openSocket) || Fail(WSAENOTSOCK);
+}
+
 bool StartSocketSupport() {
     WSADATA data;
     if (WSAStartup(MAKEWORD(2, 2), &data) == 0)
@@ -160,6 +165,7 @@ int32_t CloseSocket(SocketHandle socket) {
         Fail(WSAENOTSOCK);
         return -1;
     }
+    CancelIoEx(reinterpret_cast<HANDLE>(socket), nullptr); // releases whoever is still sending or receiving
     return closesocket(Of(socket));
 }
 

@@ -4,6 +4,7 @@
 
 #include "platform/Clock.h"
 #include "platform/windows/LastError.h"
+#include "platform/windows/OpenSocket.h"
 #include "platform/windows/Overlapped.h"
 
 #include <algorithm>
@@ -40,6 +41,8 @@ int32_t ReceiveChunk(HANDLE socket, uint32_t count) {
 int32_t Send(SocketHandle socket, const uint8_t *bytes, uint32_t count, uint32_t &taken) {
     taken = 0;
     while (taken < count) {
+        if (!IsOpenSocket(socket))
+            return -1;
         const auto part = static_cast<int>(std::min<uint32_t>(count - taken, 1u << 20));
         const int sent =
             send(static_cast<SOCKET>(socket), reinterpret_cast<const char *>(bytes + taken), part, 0);
@@ -51,7 +54,7 @@ int32_t Send(SocketHandle socket, const uint8_t *bytes, uint32_t count, uint32_t
 }
 
 int32_t Receive(SocketHandle socket, uint8_t *bytes, uint32_t count) {
-    const int32_t got = ReceiveChunk(reinterpret_cast<HANDLE>(socket), count);
+    const int32_t got = IsOpenSocket(socket) ? ReceiveChunk(reinterpret_cast<HANDLE>(socket), count) : -1;
     if (got > 0) {
         std::memcpy(bytes, chunk, static_cast<size_t>(got));
         return got;

@@ -4,6 +4,7 @@
 #include "tests/hosts/CallLine.h"
 #include "tests/hosts/System.h"
 
+#include <atomic>
 #include <cstdio>
 #include <iostream>
 #include <mutex>
@@ -29,10 +30,14 @@ void Say(const std::string &line) {
     std::fflush(stdout);
 }
 
+std::atomic<bool> closesWhenTold = false;
+
 // lParam is an address but for the framed replies, whose values are bytes.
 void TellNotification(uint32_t wParam, intptr_t lParam) {
     char head[64];
     std::snprintf(head, sizeof head, "told %02X %u ", wParam >> 16, wParam & 0xFFFF);
+    if (closesWhenTold)
+        Find("ClosePrinter")(0, 0, 0, 0, 0, 0, 0, 0);
     const bool isValue = lParam >= 0 && lParam <= 0xFF;
     Say(head +
         (isValue ? std::to_string(lParam) : Hex(reinterpret_cast<const uint8_t *>(lParam), wParam & 0xFFFF)));
@@ -91,6 +96,10 @@ std::string Answer(std::string line) {
         Listen(TellNotification);
         return "listening";
     }
+    if (line == "close when told") {
+        closesWhenTold = true;
+        return "closes";
+    }
     return line.find('(') != line.npos ? std::to_string(static_cast<int32_t>(Call(line))) : AnswerOwn(line);
 }
 
@@ -98,6 +107,8 @@ int Serve() {
     for (std::string line; std::getline(std::cin, line);) {
         if (line.ends_with('\r'))
             line.pop_back();
+        if (line == "exit")
+            return 0;
         try {
             Say("= " + Answer(line));
         } catch (const std::exception &error) {

@@ -86,13 +86,27 @@ CallingHost::CallingHost(const fs::path &folder, const Environment &environment)
 }
 
 std::string CallingHost::Ask(const std::string &line) {
+    Say(line);
+    return Answer();
+}
+
+void CallingHost::Say(const std::string &line) {
     process.Say(line);
+    question = line;
     ++asked;
+}
+
+std::string CallingHost::Answer() {
     endtoend::Eventually([this] { return Answers().size() >= asked || !IsRunning(); });
     const std::vector<std::string> answers = Answers();
     if (answers.size() < asked || answers.back().front() == '!')
-        throw std::runtime_error(line + ": " + (answers.size() < asked ? "no answer" : answers.back()));
+        throw std::runtime_error(question + ": " + (answers.size() < asked ? "no answer" : answers.back()));
     return answers.back().substr(2);
+}
+
+int CallingHost::End() {
+    process.Say("exit");
+    return process.Wait();
 }
 
 void CallingHost::Connect(const std::string &line) {

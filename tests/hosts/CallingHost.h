@@ -30,6 +30,9 @@ class CallingHost {
 
     // What it answers. Throws when it complains or is gone.
     std::string Ask(const std::string &line);
+    // The same in two steps.
+    void Say(const std::string &line);
+    std::string Answer();
     // The result of a function, as in PrintDotFeed(12).
     int32_t Call(const std::string &line) { return std::stoi(Ask(line)); }
     // Calls that succeed.
@@ -38,6 +41,8 @@ class CallingHost {
     // The notifications so far, once there are so many: "kind length data", kind and data in hexadecimal.
     std::vector<std::string> Told(size_t count) const;
 
+    // Has it leave its main function; the exit status.
+    int End();
     bool IsRunning() const { return process.IsRunning(); }
     // Every line it has written.
     std::vector<std::string> Lines() const;
@@ -47,6 +52,7 @@ class CallingHost {
     std::vector<std::string> Answers() const;
 
     endtoend::Process process;
+    std::string question; // the last one
     size_t asked = 0;
 };
 

@@ -49,6 +49,16 @@ TEST_F(WirelessLink, FindsAHostByName) {
     EXPECT_EQ(host.Call("ClosePrinter()"), 1);
 }
 
+TEST_F(WirelessLink, ConnectsToAnIpv6Address) {
+    if (ContentsOf("/proc/net/if_inet6").empty())
+        GTEST_SKIP() << "this system has no IPv6";
+    VirtualPrinter printer = StartPrinter({"--bind", "::1"});
+    CallingHost host = StartHost();
+    host.Connect("ConnectWirelessPrinter(\"::1\", " + std::to_string(printer.TcpPort()) + ", 2000, 0)");
+    PrintAndAwait(host, printer, "six");
+    EXPECT_EQ(host.Call("ClosePrinter()"), 1);
+}
+
 TEST_F(WirelessLink, ToAnAddressThatIsNoneIsRefused) {
     CallingHost host = StartHost();
     EXPECT_EQ(host.Call("InitWlanPrinter(\"\", 9100, 0, 0)"), -2);
