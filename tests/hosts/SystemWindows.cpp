@@ -34,6 +34,11 @@ void RunWindow() {
         DispatchMessageW(&message);
 }
 
+void OpenWindow() {
+    std::thread(RunWindow).detach();
+    windowIsThere.acquire();
+}
+
 // Only a handle in overlapped mode takes a completion port.
 std::string IsOverlapped(HANDLE handle) {
     if (handle == INVALID_HANDLE_VALUE)
@@ -136,8 +141,7 @@ Function Find(const std::string &name) {
 void Listen(Told told) {
     listener = std::move(told);
     notification = RegisterWindowMessageW(L"NADREL_PRT_OK");
-    std::thread(RunWindow).detach();
-    windowIsThere.acquire();
+    OpenWindow();
 }
 
 std::string AnswerOwn(const std::string &question) {
@@ -155,6 +159,10 @@ std::string AnswerOwn(const std::string &question) {
         return ResourceString();
     if (question == "box at load")
         return LoadAndReadBox();
+    if (question == "open a window") {
+        OpenWindow();
+        return "opened";
+    }
     if (question == "code page")
         return std::to_string(GetACP());
     return "unknown";
