@@ -16,9 +16,9 @@
  *
  * Strings. Text and names are zero-terminated UTF-16. The library converts text to the ANSI code page (1252
  * unless the system or SetAnsiCodePage says otherwise); what the page lacks becomes a near character where
- * Windows has one (U+0100, an A with a macron, an A in 1252), else a '?' for each UTF-16 unit. Strings belong
- * to the host and are not kept after the call. A null text or font name is an empty one; a null port or
- * address is one that cannot be opened.
+ * Windows has one (U+0100, an A with a macron, an A in 1252), else a '?'. Strings belong to the host and are
+ * not kept after the call. A null text or font name is an empty one; a null port or address is one that
+ * cannot be opened.
  *
  * Units. Positions, areas, sizes and feeds are printer dots, line feeds are lines, times are milliseconds,
  * lengths are bytes. Nothing is converted. 16-bit fields go out low byte first: nL = n mod 256, nH = n / 256,

@@ -81,12 +81,10 @@ Character FirstCharacter(const char16_t *text, size_t length) {
     return {0x10000 + ((text[0] & char32_t{0x3FF}) << 10 | (text[1] & char32_t{0x3FF})), 2};
 }
 
-constexpr uint16_t kLackingPair = '?' << 8 | '?';
-
-// No page has what takes two units: each of them becomes a question mark.
+// No page has what takes two units.
 uint16_t BytesOf(size_t page, char32_t character) {
     if (character > 0xFFFF)
-        return kLackingPair;
+        return '?';
     const auto unit = static_cast<char16_t>(character);
     const uint16_t own = BytesInCodePage(page, unit);
     const uint16_t value = own != 0 ? own : NearBytesInCodePage(page, unit);

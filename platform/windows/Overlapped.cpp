@@ -7,7 +7,8 @@ namespace platform {
 
 namespace {
 
-// How long a cancelled operation may take to end, in milliseconds. Some never do before their handle is closed.
+// How long a cancelled operation may take to end, in milliseconds. Some never do before their handle is
+// closed.
 constexpr DWORD kTimeToCancel = 100;
 
 } // namespace

@@ -12,8 +12,9 @@ class Overlapped {
     bool Begin();
     OVERLAPPED *Get() { return &operation; }
 
-    // Waits until the operation on the handle has ended, if it has begun, and takes the count of bytes. Cancels it
-    // when the calling thread is being terminated. False, with the reason recorded, when it has failed.
+    // Waits until the operation on the handle has ended, if it has begun, and takes the count of bytes.
+    // Cancels it when the calling thread is being terminated. False, with the reason recorded, when it has
+    // failed.
     bool Finish(HANDLE handle, bool begun, DWORD &count);
 
   private:

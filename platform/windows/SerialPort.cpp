@@ -34,8 +34,8 @@ HANDLE FindPort(PortHandle port) {
     return nullptr;
 }
 
-// Always overlapped: the system serialises what is done through a handle that is not, and the receive thread's wait
-// would hold up the host's writes.
+// Always overlapped: the system serialises what is done through a handle that is not, and the receive
+// thread's wait would hold up the host's writes.
 PortHandle OpenPort(const char16_t *name, PortAccess access) {
     const HANDLE port = CreateFileW(Wide(name), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                                     static_cast<DWORD>(access) | FILE_FLAG_OVERLAPPED, nullptr);

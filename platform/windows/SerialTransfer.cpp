@@ -17,8 +17,8 @@ namespace {
 // How long a wait that has nothing to wait for pauses, in milliseconds.
 constexpr uint32_t kPause = 1;
 
-// The operations that may be in progress at a time, and what the system writes into while they are. Not on the
-// stack of the thread that waits for them, which may be ended by force.
+// The operations that may be in progress at a time, and what the system writes into while they are. Not on
+// the stack of the thread that waits for them, which may be ended by force.
 constinit Overlapped waiting;
 constinit Overlapped reading;
 constinit Overlapped writing;

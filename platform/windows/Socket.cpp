@@ -15,8 +15,8 @@ namespace {
 
 constexpr auto kNoSocket = static_cast<SocketHandle>(INVALID_SOCKET);
 
-// The one connection's socket; none once it has been closed, so that its number, which the system may have given to
-// something else since, is never closed twice.
+// The one connection's socket; none once it has been closed, so that its number, which the system may have
+// given to something else since, is never closed twice.
 std::atomic<SocketHandle> openSocket = kNoSocket;
 
 std::atomic<int> failedStarts = 0;

@@ -19,7 +19,8 @@ constexpr uint32_t kChunk = 255;
 // How long a receive on a connection that is over pauses before it fails, in milliseconds.
 constexpr uint32_t kPauseWhenGone = 50;
 
-// Of the one receive in progress. Not on the stack of the thread that waits for it, which may be ended by force.
+// Of the one receive in progress. Not on the stack of the thread that waits for it, which may be ended by
+// force.
 constinit Overlapped receiving;
 constinit char chunk[kChunk] = {};
 

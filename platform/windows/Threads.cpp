@@ -35,8 +35,8 @@ class ModuleReference {
 
 } // namespace
 
-// Terminated, a thread leaves by itself: its event ends every wait of the seam at once, and the bodies end when
-// the link is closed. Only one that does not is ended by force.
+// Terminated, a thread leaves by itself: its event ends every wait of the seam at once, and the bodies end
+// when the link is closed. Only one that does not is ended by force.
 class Thread {
   public:
     explicit Thread(ThreadBody does) : body(does), termination(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {}
@@ -49,8 +49,8 @@ class Thread {
 
 namespace {
 
-// Where a thread of the library finds itself. A slot of the system's own: it takes neither lock nor memory, and a
-// thread ended by force leaves nothing behind.
+// Where a thread of the library finds itself. A slot of the system's own: it takes neither lock nor memory,
+// and a thread ended by force leaves nothing behind.
 class CurrentThread {
   public:
     CurrentThread() : slot(TlsAlloc()) {}

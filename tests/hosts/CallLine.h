@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-// A call as a line of text: Name(12, -1, 0x1F, "UTF-16 text", b"bytes", null). In strings \xHH and \uHHHH stand for
-// one unit each; other characters are ASCII.
+// A call as a line of text: Name(12, -1, 0x1F, "UTF-16 text", b"bytes", null). In strings \xHH and \uHHHH
+// stand for one unit each; other characters are ASCII.
 namespace hosts {
 
 // Arguments are machine words: numbers, and addresses of strings, which live as long as the line.

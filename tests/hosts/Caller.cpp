@@ -1,5 +1,5 @@
-// A host program that loads the library's file by name and calls what the lines on its standard input say. It answers
-// each line with one on its standard output, and writes a line for each notification.
+// A host program that loads the library's file by name and calls what the lines on its standard input say. It
+// answers each line with one on its standard output, and writes a line for each notification.
 
 #include "tests/hosts/CallLine.h"
 #include "tests/hosts/System.h"

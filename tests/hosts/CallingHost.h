@@ -16,7 +16,8 @@ using Environment = std::map<std::string, std::string>;
 endtoend::Process Start(const std::filesystem::path &program, const std::vector<std::string> &arguments,
                         const std::filesystem::path &log, const Environment &environment = {});
 
-// The name under which a host opens the pseudo-terminal. On Windows that is a port, COM1 unless another is given.
+// The name under which a host opens the pseudo-terminal. On Windows that is a port, COM1 unless another is
+// given.
 std::string PortName(const std::string &path, const std::string &port = "COM1");
 
 // A host program that calls what it is told, with the library loaded. It is killed with its owner.

@@ -21,7 +21,8 @@ struct Row {
     endtoend::Form form = endtoend::Form::plain;
 };
 
-// Throws std::runtime_error for a line that is none. The files that the rows need are written into the folder.
+// Throws std::runtime_error for a line that is none. The files that the rows need are written into the
+// folder.
 std::vector<Row> ReadRows(const std::filesystem::path &file, const std::filesystem::path &folder);
 
 } // namespace hosts

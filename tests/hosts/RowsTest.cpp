@@ -1,4 +1,5 @@
-// The calls of rows.txt, made by a host that has loaded the library's file: what reaches the printer, byte by byte.
+// The calls of rows.txt, made by a host that has loaded the library's file: what reaches the printer, byte by
+// byte.
 
 #include "tests/hosts/Rows.h"
 #include "tests/hosts/CallingHost.h"

@@ -87,8 +87,8 @@ std::string ResourceString() {
     return {wide.begin(), wide.end()};
 }
 
-// The text of the box that a thread finds, which it then closes. While a library is loading, no thread begins to run or
-// loads what it needs for its first look at the windows.
+// The text of the box that a thread finds, which it then closes. While a library is loading, no thread begins
+// to run or loads what it needs for its first look at the windows.
 std::atomic<bool> boxIsExpected = false;
 std::binary_semaphore readerHasLooked{0};
 std::string boxText;

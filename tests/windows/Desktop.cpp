@@ -1,5 +1,5 @@
-// Keeps the desktop while tests run. Wine ends it with the last window and starts it for the next, which now and then
-// takes longer than a test waits.
+// Keeps the desktop while tests run. Wine ends it with the last window and starts it for the next, which now
+// and then takes longer than a test waits.
 
 #include "tests/hosts/CallingHost.h"
 
