@@ -498,10 +498,11 @@ NADREL_API int32_t NADREL_CALL ConnectSerialPrinterEx(const char *port, uint32_t
 
 /*
  * Closes whichever link is open. 1 when it did; 0 when none was open, another thread was closing it, or the
- * port would not close. Over TCP on Linux it waits up to 100 ms for what was sent to arrive. When it returns,
+ * port would not close. Over TCP it waits up to 100 ms for what was sent to arrive. When it returns,
  * no thread of the connection runs, and no notification handler is called for it any more (one that is itself
  * the caller finishes its call, and does not wait for another thread's close). It waits for a handler that is
- * running on another thread: hold no lock that the handler waits for. A notification handler may call it; a sending call that waits on another thread then ends.
+ * running on another thread: hold no lock that the handler waits for. A notification handler may call it; a
+ * sending call that waits on another thread then ends. Messages that Windows has queued already stay queued.
  */
 NADREL_API int32_t NADREL_CALL ClosePrinter(void);
 

@@ -91,7 +91,8 @@ int32_t Dither::Begin(int32_t pixels, int32_t index, double newGamma) {
         return 0;
     width = pixels;
     errorRowA = NewErrorRow(width);
-    errorRowB = NewErrorRow(width);
+    if (errorRowA != nullptr)
+        errorRowB = NewErrorRow(width);
     current = errorRowA.get();
     next = errorRowB.get();
     if (current == nullptr || next == nullptr)

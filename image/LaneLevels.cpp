@@ -2,10 +2,10 @@
 // the AVX-512 instructions for it, in integers for 16 pixels at a time.
 //
 // The wide form gives exactly what Luminance::Of gives. With N = 299 red + 587 green + 114 blue of the
-// corrected levels, exact shares would add up to N / 1000. The doubles come so near to it that their truncated
-// sum is the quotient wherever N is no multiple of 1000. Where it is one, their rounding decides between the
-// quotient and one less: the greys, all of which are such colours, have a table for it, and for the others,
-// about one colour in a thousand, the sum is taken in doubles here as well.
+// corrected levels, exact shares would add up to N / 1000. The doubles come so near to it that their
+// truncated sum is the quotient wherever N is no multiple of 1000. Where it is one, their rounding decides
+// between the quotient and one less: the greys, all of which are such colours, have a table for it, and for
+// the others, about one colour in a thousand, the sum is taken in doubles here as well.
 //
 //     corrected levels   256 bytes are four registers: two look-ups among 128 bytes each, by seven bits of
 //                        the level, and a choice by the eighth

@@ -165,8 +165,8 @@ constexpr Run kRuns[] = {
     {950, 0x256A, 0x256A, 0xF9EA}, {1255, 0x05BA, 0x05BA, 0xCA},  {864, 0x25, 0x25, 0x25},
 };
 
-// The C library takes these for near characters of the page: the dash, double bar, overline, minus and wave; a
-// second form of two Vietnamese tone marks. 864 as above.
+// The C library takes these for near characters of the page: the dash, double bar, overline, minus and wave;
+// a second form of two Vietnamese tone marks. 864 as above.
 struct Lacking {
     uint32_t codePage;
     std::u16string_view characters;
@@ -180,8 +180,8 @@ constexpr Lacking kLacking[] = {
 
 using Differences = std::map<char16_t, std::string>;
 
-// The near characters that the system which the pages come from puts in the place of those they lack: data of the
-// project, compared with that system's answers by the tests that run there.
+// The near characters that the system which the pages come from puts in the place of those they lack: data of
+// the project, compared with that system's answers by the tests that run there.
 Differences NearCharactersOf(uint32_t codePage) {
     Differences near;
     std::ifstream file(NADREL_NEAR_CHARACTERS);

@@ -35,8 +35,8 @@ inline constexpr size_t kLongestFile = 4 * 1024 * 1024;
 inline constexpr size_t kMostFaultsShown = 20;
 
 // Checks the whole text against the catalogue, which must outlive the job, and the pictures it names. A job
-// that leaves something unprinted, or prints nothing, gets a last call that prints. `file` is for messages and
-// for its folder, in which pictures are sought. Throws a JobFault.
+// that leaves something unprinted, or prints nothing, gets a last call that prints. `file` is for messages
+// and for its folder, in which pictures are sought. Throws a JobFault.
 Job CheckJob(const std::string &file, std::string_view text, const Catalogue &catalogue);
 
 // The text of a job file; - is the standard input. Throws a JobFault when it cannot be read or is too long.

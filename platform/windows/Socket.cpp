@@ -88,6 +88,27 @@ SocketHandle Replace(SocketHandle handle, int family) {
     return made;
 }
 
+// How long a close may wait for the peer to have taken what was sent, in milliseconds.
+constexpr DWORD kLastMoments = 100;
+
+bool HasSomething(SOCKET socket, DWORD milliseconds) {
+    fd_set sockets = {1, {socket}};
+    TIMEVAL time = {0, static_cast<long>(milliseconds * 1000)};
+    return select(0, &sockets, nullptr, nullptr, &time) == 1;
+}
+
+// Says that nothing more will be sent, and takes what the peer says until it ends the connection, too: the
+// system answers what comes after a close with a reset, which makes the peer lose the end of what was sent.
+void LetArrive(SOCKET socket) {
+    shutdown(socket, SD_SEND);
+    const ULONGLONG end = GetTickCount64() + kLastMoments;
+    char dropped[4096];
+    for (ULONGLONG now = GetTickCount64(); now < end; now = GetTickCount64())
+        if (HasSomething(socket, static_cast<DWORD>(end - now)) &&
+            recv(socket, dropped, sizeof dropped, 0) <= 0)
+            return;
+}
+
 } // namespace
 
 bool IsOpenSocket(SocketHandle socket) {
@@ -166,6 +187,7 @@ int32_t CloseSocket(SocketHandle socket) {
         return -1;
     }
     CancelIoEx(reinterpret_cast<HANDLE>(socket), nullptr); // releases whoever is still sending or receiving
+    LetArrive(Of(socket));
     return closesocket(Of(socket));
 }
 

@@ -13,6 +13,9 @@ namespace {
 // How long a thread may take to leave once its waits have been ended, in milliseconds.
 constexpr DWORD kTimeToLeave = 5000;
 
+// How long the system may take to end one by force, in milliseconds.
+constexpr DWORD kTimeToEnd = 100;
+
 // Keeps the library's code in the process.
 class ModuleReference {
   public:
@@ -86,10 +89,12 @@ bool HasEnded(const Thread &thread, DWORD milliseconds) {
     return WaitForSingleObject(thread.running.Get(), milliseconds) == WAIT_OBJECT_0;
 }
 
-// By force: whatever the thread holds stays held.
+// By force: whatever the thread holds stays held. It runs none of its code from here on, but the system may
+// keep it until its driver has let go of an operation, which closing the device brings about: so the wait has
+// an end.
 void End(const Thread &thread, uint32_t exitCode) {
     ::TerminateThread(thread.running.Get(), exitCode);
-    HasEnded(thread, INFINITE);
+    HasEnded(thread, kTimeToEnd);
 }
 
 } // namespace
