@@ -14,6 +14,15 @@ if(WIN32)
     target_link_options(nadrel_settings INTERFACE -static)
 endif()
 
+if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+    # Large files and dates after 2038 on 32-bit machines, too.
+    target_compile_definitions(nadrel_settings INTERFACE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
+endif()
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
+    # g++ tells of a change in how it passes arguments, which was made before any release of this library.
+    target_compile_options(nadrel_settings INTERFACE -Wno-psabi)
+endif()
+
 if(NADREL_SANITIZE)
     add_compile_options(-fsanitize=${NADREL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${NADREL_SANITIZE})

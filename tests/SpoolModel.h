@@ -199,8 +199,8 @@ class SpoolModel {
         const int64_t n = length - mark;
         if (n < 0 || mark < -4096 || length + 7 + n > 413696)
             return;
-        const Bytes body(storage.begin() + mark + 4096, storage.begin() + length + 4096);
-        std::fill(storage.begin() + mark + 4096, storage.end(), uint8_t{0});
+        const Bytes body(At(mark), At(length));
+        std::fill(At(mark), storage.end(), uint8_t{0});
         Write(Of({0x1B, 0x1C, 0x2B, 1, 0}) + Two(n) + body);
     }
     void SetMacro_FontSize_FontTable(int32_t size, int32_t table) {
@@ -253,11 +253,12 @@ class SpoolModel {
         mark = 0;
         page = false;
     }
+    Bytes::iterator At(int64_t position) { return storage.begin() + static_cast<ptrdiff_t>(position + 4096); }
     // All of it or, where it would leave the storage, nothing.
     bool Write(const Bytes &bytes) {
         if (length < -4096 || length + Size(bytes) > 413696)
             return false;
-        std::copy(bytes.begin(), bytes.end(), storage.begin() + length + 4096);
+        std::copy(bytes.begin(), bytes.end(), At(length));
         length += Size(bytes);
         return true;
     }

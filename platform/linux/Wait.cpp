@@ -19,7 +19,8 @@ constexpr uint64_t kLongestMicroseconds = 10ULL * 365 * 24 * 3600 * 1000 * 1000;
 timespec TimeUntil(Deadline deadline) {
     const auto left = std::max(deadline - steady_clock::now(), steady_clock::duration::zero());
     const auto whole = duration_cast<seconds>(left);
-    return {whole.count(), duration_cast<nanoseconds>(left - whole).count()};
+    const auto rest = duration_cast<nanoseconds>(left - whole);
+    return {static_cast<time_t>(whole.count()), static_cast<long>(rest.count())};
 }
 
 // Where the system refuses to poll (a process that has given up its descriptors, no memory), deadlines and

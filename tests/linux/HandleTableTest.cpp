@@ -49,8 +49,17 @@ TEST(HandleTable, FindsOnlyWhatIsOpen) {
     EXPECT_EQ(table.Find(device->Number()), device);
     EXPECT_EQ(table.FindOrFail(-1), nullptr);
     EXPECT_EQ(platform::LastError(), static_cast<uint32_t>(EBADF));
-    EXPECT_EQ(table.FindOrFail(static_cast<intptr_t>(device->Number()) + (intptr_t{1} << 32)), nullptr);
 }
+
+#if INTPTR_MAX > INT32_MAX
+TEST(HandleTable, TakesNoHandleForOneWithTheSameLowerHalf) {
+    HandleTable<Device> table;
+    const auto device = std::make_shared<Device>();
+    table.Add(device);
+    EXPECT_EQ(table.FindOrFail(device->Number() + (intptr_t{1} << 32)), nullptr);
+    EXPECT_EQ(platform::LastError(), static_cast<uint32_t>(EBADF));
+}
+#endif
 
 TEST(HandleTable, ClosingClosesTheDescriptorBeforeItReturns) {
     HandleTable<Device> table;

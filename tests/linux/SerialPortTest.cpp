@@ -319,7 +319,8 @@ TEST_F(OpenSerialPort, AHandleThatIsNotOpenFailsAndTouchesNothing) {
 }
 
 TEST(SerialPort, NoPortIsAHandleLikeAnyOtherThatIsNotOpen) {
-    for (const PortHandle handle : {kInvalidPort, PortHandle{0}, PortHandle{-7}, PortHandle{1} << 40})
+    for (const PortHandle handle :
+         {kInvalidPort, PortHandle{0}, PortHandle{-7}, PortHandle{INTPTR_MAX / 2 + 1}})
         EXPECT_FALSE(platform::ClosePort(handle));
 }
 

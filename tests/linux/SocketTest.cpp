@@ -304,7 +304,7 @@ TEST(Socket, AConnectionThatHasBeenResetIsNotWritable) {
 TEST(Socket, WithoutAHandleThereIsNothingToWaitForOrToClose) {
     bool writable = true;
     for (const SocketHandle handle :
-         {SocketHandle{-1}, SocketHandle{0}, SocketHandle{9999}, SocketHandle{1} << 40}) {
+         {SocketHandle{-1}, SocketHandle{0}, SocketHandle{9999}, SocketHandle{INTPTR_MAX / 2 + 1}}) {
         EXPECT_EQ(SelectWritable(handle + 1, handle, 30, 0, writable), -1);
         EXPECT_EQ(Error(), EBADF);
         EXPECT_FALSE(writable);
