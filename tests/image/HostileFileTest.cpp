@@ -221,7 +221,7 @@ TEST_F(HostileFileTest, TakesNoMoreMemoryThanAPieceTheSpoolAndWhatTheFileHas) {
 
 TEST_F(HostileFileTest, HeadersOfRandomBytes) {
     Random random(7);
-    for (int i = 0; i < 3000; ++i) {
+    for (uint32_t i = 0; i < NumberFrom("NADREL_CASES", 3000); ++i) {
         FileBytes bytes = Small(i % 2 == 0 ? 1 : 24).Bytes();
         for (uint32_t changes = 1 + random() % 4; changes > 0; --changes)
             bytes[6 + random() % 48] = static_cast<uint8_t>(random() % 3 == 0 ? random() : random() % 4 * 85);
