@@ -48,7 +48,11 @@ if(TARGET nadrel-printer)
 endif()
 
 # Each component is handed on with its licence, under the name of its Debian package.
-foreach(component IN ITEMS library:libnadrelprinter1 development:libnadrelprinter-dev tools:nadrel-tools)
+set(components library:libnadrelprinter1 development:libnadrelprinter-dev)
+if(TARGET nadrel)
+    list(APPEND components tools:nadrel-tools)
+endif()
+foreach(component IN LISTS components)
     string(REPLACE ":" ";" component ${component})
     list(GET component 0 name)
     list(GET component 1 package)
