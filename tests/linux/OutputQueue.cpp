@@ -1,11 +1,11 @@
 #include "tests/linux/OutputQueue.h"
 
+#include "tests/linux/EmulatedTerminal.h"
+
 #include <asm/termbits.h>
 #include <cerrno>
 #include <cstdarg>
 #include <sys/ioctl.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
 namespace {
 
@@ -34,7 +34,7 @@ extern "C" int ioctl(int descriptor, unsigned long request, ...) noexcept {
         ++dropped;
         queued = 0;
     }
-    return static_cast<int>(syscall(SYS_ioctl, descriptor, request, argument));
+    return SystemIoctl(descriptor, request, argument);
 }
 
 OutputQueue::OutputQueue(int descriptor, int bytes) {

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
 #include <filesystem>
@@ -58,9 +59,23 @@ inline bool AwaitOthersBlocked() {
     });
 }
 
-// Waits until the thread is blocked in the system call; by itself this is SYS_ppoll, where the seam waits.
-inline bool AwaitBlocked(pid_t thread, long call = SYS_ppoll) {
+// Where the seam waits.
+#ifdef SYS_ppoll_time64
+inline constexpr long kWaitCall = SYS_ppoll_time64;
+#else
+inline constexpr long kWaitCall = SYS_ppoll;
+#endif
+
+// The number that /proc shows for a call: of an emulated process the emulating machine's, which the process is told.
+inline long ShownNumber(long call) {
+    const char *const told = std::getenv(call == kWaitCall ? "NADREL_SHOWN_PPOLL" : "NADREL_SHOWN_FUTEX");
+    return told == nullptr ? call : std::strtol(told, nullptr, 10);
+}
+
+// Waits until the thread is blocked in the system call.
+inline bool AwaitBlocked(pid_t thread, long call = kWaitCall) {
     const std::string path = "/proc/self/task/" + std::to_string(thread) + "/syscall";
+    call = ShownNumber(call);
     return Await([&] {
         long current = -1; // no number is there while the thread runs
         return std::ifstream(path) >> current && current == call;
