@@ -47,6 +47,11 @@ if(TARGET nadrel-printer)
     install(TARGETS nadrel-printer RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
 endif()
 
+if(TARGET nadrel AND TARGET nadrel-printer)
+    install(FILES docs/man/nadrel.1 docs/man/nadrel-printer.1
+        DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+endif()
+
 # Each component is handed on with its licence, under the name of its Debian package.
 set(components library:libnadrelprinter1 development:libnadrelprinter-dev)
 if(TARGET nadrel)
