@@ -9,6 +9,7 @@ import markdown
 # Command lines that no test runs, each with the reason.
 NOT_RUN = {
     "./dev demo": "installs packages and builds; .ci/run runs it",
+    "./dev package": "builds; the tests of the packages make and use them",
     "./dev test": "is what runs this test",
     "sudo usermod -aG dialout $USER": "needs root and changes the user's groups",
 }
