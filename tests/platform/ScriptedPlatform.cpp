@@ -30,11 +30,11 @@ Platform &TheSystem() {
 }
 
 std::string ToHex(const uint8_t *bytes, size_t count) {
-    std::string text;
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string text(count == 0 ? 0 : 3 * count - 1, ' ');
     for (size_t i = 0; i < count; ++i) {
-        char two[4];
-        std::snprintf(two, sizeof two, "%02X", static_cast<unsigned>(bytes[i]));
-        text += (i == 0 ? "" : " ") + std::string(two);
+        text[3 * i] = kDigits[bytes[i] >> 4];
+        text[3 * i + 1] = kDigits[bytes[i] & 15];
     }
     return text;
 }
