@@ -1,6 +1,7 @@
 #include "tests/image/ScriptedFiles.h"
 
 #include "platform/File.h"
+#include "tests/platform/ScriptedAllocation.h"
 
 #include <algorithm>
 #include <utility>
@@ -37,9 +38,21 @@ void Files::ShortRead(int nth, uint32_t missing) {
     shortBy = missing;
 }
 
+void Files::FailNth(int nth, bool onward) {
+    failIn = nth;
+    failsOnward = onward;
+    failures = 0;
+}
+
 bool Files::Enter(const std::string &call) {
     calls.push_back(call);
-    return failIn == 0 || --failIn != 0;
+    if (failIn == 0)
+        return true;
+    const bool fails = failIn == 1;
+    if (!fails || !failsOnward)
+        --failIn;
+    failures += fails ? 1 : 0;
+    return !fails;
 }
 
 intptr_t Files::Open(const std::u16string &name, bool anew) {
@@ -74,10 +87,12 @@ namespace platform {
 using scripted::TheFiles;
 
 File::~File() {
+    const scripted::allocation::Exempt own;
     Close();
 }
 
 bool File::Open(const char16_t *name, FileUse use) {
+    const scripted::allocation::Exempt own;
     Close();
     const bool anew = use == FileUse::rewrite;
     if (!TheFiles().Enter("Open(" + scripted::InCalls(name) + (anew ? ", rewrite)" : ", read)")))
@@ -87,6 +102,7 @@ bool File::Open(const char16_t *name, FileUse use) {
 }
 
 bool File::Size(uint64_t &bytes) const {
+    const scripted::allocation::Exempt own;
     const scripted::FileBytes *const held = TheFiles().OpenFile(handle);
     if (!TheFiles().Enter("Size") || held == nullptr)
         return false;
@@ -95,6 +111,7 @@ bool File::Size(uint64_t &bytes) const {
 }
 
 bool File::Read(uint64_t place, uint8_t *bytes, uint32_t count, uint32_t &got) const {
+    const scripted::allocation::Exempt own;
     got = 0;
     const scripted::FileBytes *const held = TheFiles().OpenFile(handle);
     if (!TheFiles().Enter("Read(" + std::to_string(place) + ", " + std::to_string(count) + ")") ||
@@ -108,6 +125,7 @@ bool File::Read(uint64_t place, uint8_t *bytes, uint32_t count, uint32_t &got) c
 }
 
 bool File::Write(const uint8_t *bytes, uint32_t count) {
+    const scripted::allocation::Exempt own;
     scripted::FileBytes *const held = TheFiles().OpenFile(handle);
     if (!TheFiles().Enter("Write(" + std::to_string(count) + ")") || held == nullptr)
         return false;
@@ -116,6 +134,7 @@ bool File::Write(const uint8_t *bytes, uint32_t count) {
 }
 
 void File::Close() {
+    const scripted::allocation::Exempt own;
     if (handle >= 0)
         TheFiles().Close(std::exchange(handle, -1));
 }

@@ -25,7 +25,10 @@ class Files {
     int StillOpen() const { return stillOpen; }
 
     // The nth call from now that can fail does.
-    void Fail(int nth) { failIn = nth; }
+    void Fail(int nth) { FailNth(nth, false); }
+    // The same, and all behind it where `onward`.
+    void FailNth(int nth, bool onward);
+    int Failures() const { return failures; } // since then
     // The nth Read from now gives so many bytes less than it could.
     void ShortRead(int nth, uint32_t missing);
     // Files of any name cannot be made.
@@ -45,6 +48,8 @@ class Files {
     intptr_t nextHandle = 3;
     int stillOpen = 0;
     int failIn = 0;
+    bool failsOnward = false;
+    int failures = 0;
     int shortIn = 0;
     uint32_t shortBy = 0;
     bool makes = true;

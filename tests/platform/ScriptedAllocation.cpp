@@ -15,6 +15,9 @@ namespace {
 thread_local int failIn = 0; // allocations within the range; 0: none fails
 thread_local size_t lowest = 0;
 thread_local size_t highest = 0;
+thread_local bool failsOnward = false;
+thread_local int failures = 0;
+thread_local int exempt = 0;
 
 } // namespace
 
@@ -32,14 +35,28 @@ void FailNext(size_t atLeast, size_t atMost) {
     FailNth(1, atLeast, atMost);
 }
 
-void FailNth(int nth, size_t atLeast, size_t atMost) {
+void FailNth(int nth, size_t atLeast, size_t atMost, bool onward) {
     lowest = atLeast;
     highest = atMost;
     failIn = nth;
+    failsOnward = onward;
+    failures = 0;
+}
+
+int Failures() {
+    return failures;
 }
 
 bool Allow() {
-    return std::exchange(failIn, 0) > 0;
+    return std::exchange(failIn, 0) > 0 && failures == 0;
+}
+
+Exempt::Exempt() {
+    ++exempt;
+}
+
+Exempt::~Exempt() {
+    --exempt;
 }
 
 } // namespace scripted::allocation
@@ -48,8 +65,18 @@ bool Allow() {
 
 namespace {
 
+bool Fails(size_t size) {
+    if (exempt != 0 || failIn == 0 || size < lowest || size > highest)
+        return false;
+    const bool fails = failIn == 1;
+    if (!fails || !failsOnward)
+        --failIn;
+    failures += fails ? 1 : 0;
+    return fails;
+}
+
 void *AllocateOrNull(size_t size) noexcept {
-    if (failIn > 0 && size >= lowest && size <= highest && --failIn == 0)
+    if (Fails(size))
         return nullptr;
     return std::malloc(size == 0 ? 1 : size);
 }

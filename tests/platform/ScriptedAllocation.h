@@ -11,11 +11,23 @@ bool CanFail();
 
 // The next allocation of a size within the range, by the calling thread, fails.
 void FailNext(size_t atLeast, size_t atMost);
-// The nth one does, counted from 1.
-void FailNth(int nth, size_t atLeast, size_t atMost);
+// The nth one does, counted from 1, and all behind it where `onward`.
+void FailNth(int nth, size_t atLeast, size_t atMost, bool onward = false);
+
+// How many have failed since.
+int Failures();
 
 // No allocation fails. True when none has that was to.
 bool Allow();
+
+// While one exists, the calling thread's allocations are not the library's: none counts and none fails.
+class Exempt {
+  public:
+    Exempt();
+    ~Exempt();
+    Exempt(const Exempt &) = delete;
+    Exempt &operator=(const Exempt &) = delete;
+};
 
 } // namespace scripted::allocation
 

@@ -1,4 +1,5 @@
 #include "platform/Clock.h"
+#include "tests/platform/ScriptedAllocation.h"
 #include "tests/platform/ScriptedPlatform.h"
 
 #include <algorithm>
@@ -99,18 +100,22 @@ static void RecordedPause(const std::string &operation, uint32_t milliseconds) {
 namespace platform {
 
 void Sleep(uint32_t milliseconds) {
+    const scripted::allocation::Exempt own;
     scripted::RecordedPause("Sleep", milliseconds);
 }
 
 TimedEvent::TimedEvent() {
+    const scripted::allocation::Exempt own;
     scripted::TheSystem().Note("CreateTimedEvent", "");
 }
 
 TimedEvent::~TimedEvent() {
+    const scripted::allocation::Exempt own;
     scripted::TheSystem().Note("CloseTimedEvent", "");
 }
 
 void TimedEvent::Wait(uint32_t milliseconds) {
+    const scripted::allocation::Exempt own;
     scripted::RecordedPause("Wait", milliseconds);
 }
 

@@ -56,6 +56,7 @@ void Platform::Reset() {
     const Lock lock(mutex);
     recording = true;
     calls.clear();
+    failed.clear();
     rules.clear();
     hooks.clear();
     actions.clear();
@@ -95,12 +96,19 @@ std::vector<std::string> Platform::CallsOf(const std::vector<std::string> &opera
 }
 
 size_t Platform::CountOf(const std::string &operation) const {
-    return CallsOf({operation}).size();
+    const Lock lock(mutex);
+    return RecordedOf(operation);
+}
+
+size_t Platform::RecordedOf(const std::string &operation) const {
+    return static_cast<size_t>(
+        std::count_if(calls.begin(), calls.end(), [&](const auto &call) { return call.first == operation; }));
 }
 
 void Platform::ForgetCalls() {
     const Lock lock(mutex);
     calls.clear();
+    failed.clear();
     written.clear();
 }
 
@@ -119,6 +127,16 @@ void Platform::FailAlways(const std::string &operation, uint32_t error) {
 
 void Platform::FailCall(int nth, uint32_t error) {
     Answer("", {.failed = true, .error = error}, nth);
+}
+
+void Platform::FailFromCall(int nth, uint32_t error) {
+    const Lock lock(mutex);
+    rules.push_back({{.nth = nth, .onward = true}, {.failed = true, .error = error}});
+}
+
+std::vector<std::string> Platform::Failed() const {
+    const Lock lock(mutex);
+    return failed;
 }
 
 void Platform::Answer(const std::string &operation, const Outcome &outcome, int nth) {
@@ -159,7 +177,7 @@ void Platform::OnEveryCall(const std::string &operation, Hook hook) {
 bool Platform::Occasion::Comes(const std::string &called) {
     if (!operation.empty() && operation != called)
         return false;
-    const bool comes = nth == kEvery || (!used && --nth == 0);
+    const bool comes = nth == kEvery || (used ? onward : --nth == 0);
     used = used || comes;
     return comes;
 }
@@ -192,6 +210,8 @@ Outcome Platform::Enter(const std::string &operation, const std::string &argumen
             outcome = rule.outcome;
     if (outcome.failed || outcome.error != 0)
         SetLastError(outcome.error);
+    if (outcome.failed && recording)
+        failed.push_back(operation + ' ' + std::to_string(RecordedOf(operation)));
     return outcome;
 }
 

@@ -60,7 +60,10 @@ class Platform {
     // Scripts the nth call from now of an operation, without its arguments: Fail("OpenPort", 5).
     void Fail(const std::string &operation, uint32_t error, int nth = 1);
     void FailAlways(const std::string &operation, uint32_t error);
-    void FailCall(int nth, uint32_t error); // the nth from now of all calls that can fail
+    void FailCall(int nth, uint32_t error);     // the nth from now of all calls that can fail
+    void FailFromCall(int nth, uint32_t error); // and all behind it
+    // The calls that have failed by script, each with its number among those of its name: OpenPort 2.
+    std::vector<std::string> Failed() const;
     void Answer(const std::string &operation, const Outcome &outcome, int nth = 1);
     void ForgetScript();
     // What was scripted, hooks and times to come included, and has not happened.
@@ -137,6 +140,7 @@ class Platform {
     struct Occasion {
         std::string operation = {}; // empty: any
         int nth = 1;                // counted down at each call; -1: at every call
+        bool onward = false;        // once it has come, it comes at every call
         bool used = false;
         bool Comes(const std::string &called);
     };
@@ -152,6 +156,7 @@ class Platform {
     using Lock = std::lock_guard<std::mutex>;
 
     std::vector<Hook> HooksFor(const std::string &operation);
+    size_t RecordedOf(const std::string &operation) const; // under the lock
     bool NextActionBy(uint64_t time, Hook &hook);
     bool AdvanceToNextAction();
     void RunActionsUntil(uint64_t time);
@@ -159,6 +164,7 @@ class Platform {
     mutable std::mutex mutex;
     bool recording = true;
     std::vector<std::pair<std::string, std::string>> calls; // operation, whole call
+    std::vector<std::string> failed;
     std::vector<Rule> rules;
     std::vector<CallHook> hooks;
     std::multimap<uint64_t, Hook> actions;

@@ -1,4 +1,5 @@
 #include "platform/SerialPort.h"
+#include "tests/platform/ScriptedAllocation.h"
 #include "tests/platform/ScriptedError.h"
 #include "tests/platform/ScriptedPlatform.h"
 
@@ -150,6 +151,7 @@ namespace platform {
 using namespace scripted;
 
 PortHandle OpenPort(const char16_t *name, PortAccess access) {
+    const scripted::allocation::Exempt own;
     if (TheSystem().Enter("OpenPort", Quoted(name) + ", " + Shown(access)).failed)
         return kInvalidPort;
     if (name == nullptr)
@@ -159,6 +161,7 @@ PortHandle OpenPort(const char16_t *name, PortAccess access) {
 }
 
 bool GetLineSettings(PortHandle port, LineSettings &settings) {
+    const scripted::allocation::Exempt own;
     if (TheSystem().EnterPort("GetLineSettings", port).failed)
         return false;
     settings = TheSystem().PortAt(port).settings;
@@ -166,6 +169,7 @@ bool GetLineSettings(PortHandle port, LineSettings &settings) {
 }
 
 bool SetLineSettings(PortHandle port, const LineSettings &settings) {
+    const scripted::allocation::Exempt own;
     if (TheSystem().EnterPort("SetLineSettings", port, Shown(settings)).failed)
         return false;
     TheSystem().ChangePort(port, [&](Platform::Port &state) { state.settings = settings; });
@@ -173,6 +177,7 @@ bool SetLineSettings(PortHandle port, const LineSettings &settings) {
 }
 
 bool GetPortTimeouts(PortHandle port, PortTimeouts &timeouts) {
+    const scripted::allocation::Exempt own;
     if (TheSystem().EnterPort("GetPortTimeouts", port).failed)
         return false;
     timeouts = TheSystem().PortAt(port).timeouts;
@@ -180,6 +185,7 @@ bool GetPortTimeouts(PortHandle port, PortTimeouts &timeouts) {
 }
 
 bool SetPortTimeouts(PortHandle port, const PortTimeouts &timeouts) {
+    const scripted::allocation::Exempt own;
     if (TheSystem().EnterPort("SetPortTimeouts", port, Shown(timeouts)).failed)
         return false;
     TheSystem().ChangePort(port, [&](Platform::Port &state) { state.timeouts = timeouts; });
@@ -187,6 +193,7 @@ bool SetPortTimeouts(PortHandle port, const PortTimeouts &timeouts) {
 }
 
 bool SetPortEvents(PortHandle port, PortEvents events) {
+    const scripted::allocation::Exempt own;
     if (TheSystem().EnterPort("SetPortEvents", port, Shown(events)).failed)
         return false;
     TheSystem().ChangePort(port, [&](Platform::Port &state) { state.events = events; });
@@ -194,6 +201,7 @@ bool SetPortEvents(PortHandle port, PortEvents events) {
 }
 
 bool WaitPortEvent(PortHandle port, PortEvents &events) {
+    const scripted::allocation::Exempt own;
     constexpr uint64_t kGonePauseMs = 100;
     if (TheSystem().EnterPort("WaitPortEvent", port).failed) {
         TheSystem().Pause(kGonePauseMs);
@@ -204,6 +212,7 @@ bool WaitPortEvent(PortHandle port, PortEvents &events) {
 }
 
 bool ReadPort(PortHandle port, uint8_t *bytes, uint32_t count, uint32_t &got) {
+    const scripted::allocation::Exempt own;
     if (TheSystem().EnterPort("ReadPort", port, std::to_string(count)).failed)
         return false;
     got = 0;
@@ -213,6 +222,7 @@ bool ReadPort(PortHandle port, uint8_t *bytes, uint32_t count, uint32_t &got) {
 }
 
 bool WritePort(PortHandle port, const uint8_t *bytes, uint32_t count, uint32_t &taken) {
+    const scripted::allocation::Exempt own;
     const Outcome outcome = TheSystem().EnterPort("WritePort", port, ToHex(bytes, count));
     taken = outcome.taken.value_or(outcome.failed ? 0 : count);
     TheSystem().AddWritten(Bytes(bytes, bytes + taken));
@@ -220,6 +230,7 @@ bool WritePort(PortHandle port, const uint8_t *bytes, uint32_t count, uint32_t &
 }
 
 bool GetModemStatus(PortHandle port, uint32_t &status) {
+    const scripted::allocation::Exempt own;
     if (TheSystem().EnterPort("GetModemStatus", port).failed)
         return false;
     status = 0;
@@ -227,14 +238,17 @@ bool GetModemStatus(PortHandle port, uint32_t &status) {
 }
 
 bool SignalPort(PortHandle port, PortSignal signal) {
+    const scripted::allocation::Exempt own;
     return !TheSystem().EnterPort("SignalPort", port, Shown(signal)).failed;
 }
 
 bool PurgePort(PortHandle port, uint32_t what) {
+    const scripted::allocation::Exempt own;
     return !TheSystem().EnterPort("PurgePort", port, std::to_string(what)).failed;
 }
 
 bool ClosePort(PortHandle port) {
+    const scripted::allocation::Exempt own;
     if (TheSystem().EnterPort("ClosePort", port).failed)
         return false;
     TheSystem().ChangePort(port, [](Platform::Port &state) { state.open = false; });

@@ -1,4 +1,5 @@
 #include "platform/Socket.h"
+#include "tests/platform/ScriptedAllocation.h"
 #include "tests/platform/ScriptedError.h"
 #include "tests/platform/ScriptedPlatform.h"
 
@@ -99,11 +100,13 @@ namespace platform {
 using namespace scripted;
 
 bool StartSocketSupport() {
+    const scripted::allocation::Exempt own;
     TheSystem().CountSocketSupport(1);
     return !TheSystem().Enter("StartSocketSupport", "").failed;
 }
 
 void StopSocketSupport() {
+    const scripted::allocation::Exempt own;
     TheSystem().CountSocketSupport(-1);
     TheSystem().Note("StopSocketSupport", "");
 }
@@ -111,11 +114,13 @@ void StopSocketSupport() {
 CAsyncSocket::CAsyncSocket() : handle(kNoSocket) {}
 
 CAsyncSocket::~CAsyncSocket() {
+    const scripted::allocation::Exempt own;
     TheSystem().Note("DestroySocket", std::to_string(handle));
     TheSystem().RemoveSocket(handle);
 }
 
 int32_t CAsyncSocket::Create(uint32_t port, int32_t type, int32_t events, const char16_t *address) {
+    const scripted::allocation::Exempt own;
     const Outcome outcome =
         TheSystem().Enter("Create", std::to_string(port) + ", " + std::to_string(type) + ", " +
                                         std::to_string(events) + ", " + Quoted(address));
@@ -127,27 +132,32 @@ int32_t CAsyncSocket::Create(uint32_t port, int32_t type, int32_t events, const 
 
 // A failure without a result is -1.
 int32_t CAsyncSocket::IOCtl(SocketCommand, uint32_t argument) {
+    const scripted::allocation::Exempt own;
     const Outcome outcome =
         TheSystem().Enter("IOCtl", Joined(handle, "nonBlocking, " + std::to_string(argument)));
     return outcome.result.value_or(outcome.failed ? -1 : 1);
 }
 
 int32_t CAsyncSocket::Connect(const char16_t *host, uint32_t port) {
+    const scripted::allocation::Exempt own;
     const Outcome outcome =
         TheSystem().Enter("Connect", Joined(handle, Quoted(host) + ", " + std::to_string(port)));
     return outcome.result.value_or(0);
 }
 
 int32_t CAsyncSocket::Receive(void *bytes, int32_t count, int32_t) {
+    const scripted::allocation::Exempt own;
     return platform::Receive(handle, static_cast<uint8_t *>(bytes), static_cast<uint32_t>(count));
 }
 
 void CAsyncSocket::OnConnect(int32_t error) {
+    const scripted::allocation::Exempt own;
     TheSystem().Note("OnConnect", std::to_string(error));
 }
 
 int32_t SelectWritable(SocketHandle readLimit, SocketHandle socket, int32_t seconds, int32_t microseconds,
                        bool &writable) {
+    const scripted::allocation::Exempt own;
     const Outcome outcome = EnterSocket("SelectWritable", socket,
                                         Joined(readLimit, Joined(socket, Shown(seconds, microseconds))));
     const int32_t result = outcome.result.value_or(outcome.failed ? -1 : 1);
@@ -156,6 +166,7 @@ int32_t SelectWritable(SocketHandle readLimit, SocketHandle socket, int32_t seco
 }
 
 int32_t Send(SocketHandle socket, const uint8_t *bytes, uint32_t count, uint32_t &taken) {
+    const scripted::allocation::Exempt own;
     const Outcome outcome = EnterSocket("Send", socket, Joined(socket, ToHex(bytes, count)));
     taken = outcome.taken.value_or(outcome.failed ? 0 : count);
     TheSystem().AddWritten(Bytes(bytes, bytes + taken));
@@ -163,6 +174,7 @@ int32_t Send(SocketHandle socket, const uint8_t *bytes, uint32_t count, uint32_t
 }
 
 int32_t Receive(SocketHandle socket, uint8_t *bytes, uint32_t count) {
+    const scripted::allocation::Exempt own;
     const Outcome outcome = TheSystem().Enter("Receive", Joined(socket, std::to_string(count)));
     const Bytes segment = outcome.failed ? Bytes() : TheSystem().WaitForSegment(socket, count);
     if (segment.empty())
@@ -172,6 +184,7 @@ int32_t Receive(SocketHandle socket, uint8_t *bytes, uint32_t count) {
 }
 
 int32_t CloseSocket(SocketHandle socket) {
+    const scripted::allocation::Exempt own;
     if (TheSystem().Enter("CloseSocket", std::to_string(socket)).failed || !TheSystem().SocketIsOpen(socket))
         return -1;
     TheSystem().RemoveSocket(socket);

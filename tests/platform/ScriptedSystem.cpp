@@ -2,6 +2,7 @@
 #include "platform/Memory.h"
 #include "platform/MessageBox.h"
 #include "platform/Notification.h"
+#include "tests/platform/ScriptedAllocation.h"
 #include "tests/platform/ScriptedError.h"
 #include "tests/platform/ScriptedPlatform.h"
 
@@ -73,36 +74,44 @@ namespace platform {
 using namespace scripted;
 
 uint32_t LastError() {
+    const scripted::allocation::Exempt own;
     return lastError;
 }
 
 bool MemoryIsReadable(const void *, size_t count) {
+    const scripted::allocation::Exempt own;
     return !TheSystem().Enter("MemoryIsReadable", std::to_string(count)).failed;
 }
 
 void ShowMessage(const char16_t *text) {
+    const scripted::allocation::Exempt own;
     TheSystem().Note("ShowMessage", Quoted(text));
     TheSystem().AddMessage(Quoted(text));
 }
 
 uint32_t RegisterNotification(const char16_t *name) {
+    const scripted::allocation::Exempt own;
     return TheSystem().Enter("RegisterNotification", Quoted(name)).failed ? 0 : kMessageNumber;
 }
 
 void OpenNotifications() {
+    const scripted::allocation::Exempt own;
     TheSystem().Note("OpenNotifications", "");
 }
 
 void PostNotification(uint32_t message, uint32_t wParam, intptr_t lParam) {
+    const scripted::allocation::Exempt own;
     TheSystem().AddNotification(Captured(message, wParam, lParam));
     TheSystem().Note("PostNotification", Hex(wParam));
 }
 
 void CloseNotifications() {
+    const scripted::allocation::Exempt own;
     TheSystem().Note("CloseNotifications", "");
 }
 
 bool WithinNotification() {
+    const scripted::allocation::Exempt own;
     return handlers != 0;
 }
 

@@ -1,5 +1,6 @@
 #include "platform/Clock.h"
 #include "platform/Threads.h"
+#include "tests/platform/ScriptedAllocation.h"
 #include "tests/platform/ScriptedPlatform.h"
 #include "tests/platform/ScriptedThread.h"
 
@@ -51,17 +52,20 @@ namespace platform {
 using namespace scripted;
 
 Thread *StartThread(ThreadBody body, ThreadPriority priority) {
+    const scripted::allocation::Exempt own;
     if (TheSystem().Enter("StartThread", priority == ThreadPriority::highest ? "highest" : "normal").failed)
         return nullptr;
     return TheSystem().AddThread(body);
 }
 
 uint32_t ThreadExitCode(const Thread *thread) {
+    const scripted::allocation::Exempt own;
     TheSystem().Note("ThreadExitCode", Shown(thread));
     return thread->exitCode;
 }
 
 bool WaitForThread(const Thread *thread, uint32_t milliseconds) {
+    const scripted::allocation::Exempt own;
     TheSystem().Note("WaitForThread", Shown(thread) + ", " + std::to_string(milliseconds));
     if (thread == nullptr || thread->exitCode != kStillActive)
         return true;
@@ -70,12 +74,14 @@ bool WaitForThread(const Thread *thread, uint32_t milliseconds) {
 }
 
 void TerminateThread(Thread *thread, uint32_t exitCode) {
+    const scripted::allocation::Exempt own;
     TheSystem().Note("TerminateThread", Shown(thread) + ", " + std::to_string(exitCode));
     if (thread != nullptr && thread->exitCode == kStillActive)
         thread->exitCode = exitCode;
 }
 
 void DeleteThread(Thread *thread) {
+    const scripted::allocation::Exempt own;
     TheSystem().Note("DeleteThread", Shown(thread));
     if (thread != nullptr)
         thread->deleted = true;
