@@ -113,11 +113,19 @@ void Roundtrip::Finish() {
 
 static constexpr int32_t kMuchInSpool = 150000; // its framed form surely fits
 
+static std::vector<fuzz::RoundtripCall> AllCalls() {
+    std::vector<fuzz::RoundtripCall> all;
+    for (const auto calls :
+         {fuzz::TextCalls(), fuzz::SymbolCalls(), fuzz::PictureCalls(), fuzz::DeviceCalls()})
+        all.insert(all.end(), calls.begin(), calls.end());
+    return all;
+}
+
 int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t count) {
+    static const std::vector<fuzz::RoundtripCall> calls = AllCalls();
     fuzz::Input input({bytes, count});
     const bool framed = input.Flag();
     fuzz::Roundtrip trip(input, framed);
-    const std::span<const fuzz::RoundtripCall> calls = fuzz::RoundtripCalls();
     while (!input.IsUsedUp()) {
         calls[input.Below(static_cast<uint32_t>(calls.size()))](trip);
         if (nadrel::SpoolLength > kMuchInSpool)

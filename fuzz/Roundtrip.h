@@ -77,12 +77,14 @@ inline std::u16string Wide(const Bytes &text) {
     return {text.begin(), text.end()};
 }
 
-using RoundtripCall = void (*)(Roundtrip &);
-std::span<const RoundtripCall> RoundtripCalls();
+// Most of a printer's data fields.
+inline constexpr size_t kShortText = 60;
 
-// Pictures of one bit a pixel, printed each way.
-void PositionedPicture(Roundtrip &trip);
-void NormalPicture(Roundtrip &trip);
-void CompressedPicture(Roundtrip &trip);
+// Each makes a call, with operands within the range of its command, and says what to expect.
+using RoundtripCall = void (*)(Roundtrip &);
+std::span<const RoundtripCall> TextCalls();
+std::span<const RoundtripCall> SymbolCalls();
+std::span<const RoundtripCall> PictureCalls();
+std::span<const RoundtripCall> DeviceCalls();
 
 } // namespace fuzz

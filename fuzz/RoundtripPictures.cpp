@@ -53,8 +53,6 @@ void ExpectBegin(Roundtrip &trip) {
     trip.Expect(Kind::LineSpacing, Operands().B(kBand));
 }
 
-} // namespace
-
 void PositionedPicture(Roundtrip &trip) {
     const Picture picture = Take(trip);
     const int x = trip.Word(), y = trip.Number(0, 60000);
@@ -89,6 +87,18 @@ void CompressedPicture(Roundtrip &trip) {
             Operands().B(picture.LineBytes()).B(kBand).Data(Dots(picture, top, lines, false, picture.width)));
         trip.Expect(Kind::EndOfCompressedRaster, Operands().B(kBand));
     }
+}
+
+constexpr RoundtripCall kCalls[] = {
+    PositionedPicture,
+    NormalPicture,
+    CompressedPicture,
+};
+
+} // namespace
+
+std::span<const RoundtripCall> PictureCalls() {
+    return kCalls;
 }
 
 } // namespace fuzz
