@@ -78,8 +78,9 @@ constexpr size_t kBefore = 6; // bytes of SetPrintPosition
 // All of the picture or none of it; -1 for a file that cannot be read, 0 without memory.
 void Check(const Printed &printed, const std::vector<uint8_t> &whole, const Point &point) {
     const bool appended = printed.spool.size() > kBefore;
-    EXPECT_EQ(std::vector<uint8_t>(whole.begin(), whole.begin() + (appended ? whole.size() : kBefore)),
-              printed.spool);
+    const std::vector<uint8_t> expected =
+        appended ? whole : std::vector<uint8_t>(whole.begin(), whole.begin() + kBefore);
+    EXPECT_EQ(expected, printed.spool);
     if (!point.FileFailed() && !point.AllocationFailed()) {
         EXPECT_TRUE(appended);
     }
