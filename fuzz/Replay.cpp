@@ -4,13 +4,16 @@
 #include <fstream>
 #include <iterator>
 
-// Feeds a fuzz target every file of the folders named, in order, where no fuzzing engine drives it.
+// Feeds a fuzz target the files named and every file of the folders named, in order, where no fuzzing engine drives
+// it.
 
 namespace {
 
-std::vector<std::filesystem::path> FilesIn(const char *folder) {
+std::vector<std::filesystem::path> FilesOf(const char *name) {
+    if (!std::filesystem::is_directory(name))
+        return {name};
     std::vector<std::filesystem::path> files;
-    for (const auto &entry : std::filesystem::directory_iterator(folder))
+    for (const auto &entry : std::filesystem::directory_iterator(name))
         if (entry.is_regular_file())
             files.push_back(entry.path());
     std::sort(files.begin(), files.end());
@@ -19,6 +22,7 @@ std::vector<std::filesystem::path> FilesIn(const char *folder) {
 
 fuzz::Bytes ContentOf(const std::filesystem::path &file) {
     std::ifstream in(file, std::ios::binary);
+    fuzz::Require(in.is_open(), "the file cannot be read");
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
@@ -27,7 +31,7 @@ fuzz::Bytes ContentOf(const std::filesystem::path &file) {
 int main(int argc, char **argv) {
     int fed = 0;
     for (int i = 1; i < argc; ++i)
-        for (const std::filesystem::path &file : FilesIn(argv[i])) {
+        for (const std::filesystem::path &file : FilesOf(argv[i])) {
             std::printf("%s\n", file.filename().c_str());
             std::fflush(stdout); // the last one told is the one that ends the process
             const fuzz::Bytes content = ContentOf(file);
