@@ -24,6 +24,7 @@ constinit Overlapped reading;
 constinit Overlapped writing;
 constinit DWORD happened = 0;
 constinit char chunk[256] = {};
+constinit uint8_t outgoing[1 << 19] = {};
 
 bool IsUnderWay(BOOL begun) {
     return begun || GetLastError() == ERROR_IO_PENDING;
@@ -36,6 +37,17 @@ bool WaitForEvent(HANDLE port) {
     const bool underWay = IsUnderWay(WaitCommEvent(port, &happened, waiting.Get()));
     DWORD count = 0;
     return waiting.Finish(port, underWay, count);
+}
+
+bool WritePart(HANDLE port, const uint8_t *bytes, uint32_t count, uint32_t &taken) {
+    if (!writing.Begin())
+        return false;
+    std::memcpy(outgoing, bytes, count);
+    const bool underWay = IsUnderWay(WriteFile(port, outgoing, count, nullptr, writing.Get()));
+    DWORD went = 0;
+    const bool wrote = writing.Finish(port, underWay, went);
+    taken += went;
+    return wrote && (went == count || Fail(ERROR_TIMEOUT));
 }
 
 } // namespace
@@ -67,17 +79,14 @@ bool ReadPort(PortHandle port, uint8_t *bytes, uint32_t count, uint32_t &got) {
     return read;
 }
 
-// Returns when the system has let go of the bytes, however it ends.
+// A spool goes in one part, whole: the time-out counts for all of it.
 bool WritePort(PortHandle port, const uint8_t *bytes, uint32_t count, uint32_t &taken) {
     taken = 0;
     const HANDLE handle = FindPort(port);
-    if (handle == nullptr || !writing.Begin())
-        return false;
-    const bool underWay = IsUnderWay(WriteFile(handle, bytes, count, nullptr, writing.Get()));
-    DWORD went = 0;
-    const bool wrote = writing.Finish(handle, underWay, went);
-    taken = went;
-    return wrote && (went == count || Fail(ERROR_TIMEOUT));
+    bool wrote = handle != nullptr;
+    while (wrote && taken < count)
+        wrote = WritePart(handle, bytes + taken, std::min<uint32_t>(count - taken, sizeof outgoing), taken);
+    return wrote;
 }
 
 } // namespace platform

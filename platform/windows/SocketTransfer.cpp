@@ -23,11 +23,12 @@ constexpr uint32_t kPauseWhenGone = 50;
 // force.
 constinit Overlapped receiving;
 constinit char chunk[kChunk] = {};
+constinit DWORD flags = 0;
 
 // The bytes that came, 0 or -1 when the connection is over.
 int32_t ReceiveChunk(HANDLE socket, uint32_t count) {
     WSABUF buffer = {std::min(count, kChunk), chunk};
-    DWORD flags = 0;
+    flags = 0;
     if (!receiving.Begin())
         return -1;
     const int begun =

@@ -86,7 +86,14 @@ Bytes RawPeer::Await(size_t count) {
     return received;
 }
 
+// A connection stands for the other end before it has been accepted here.
 void RawPeer::Send(const Bytes &bytes) {
+    std::unique_lock lock(mutex);
+    came.wait_for(lock, kGenerous, [&] { return end.Get() >= 0; });
+    Write(bytes);
+}
+
+void RawPeer::Write(const Bytes &bytes) {
     Require(write(end.Get(), bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()), "write");
 }
 
@@ -103,7 +110,9 @@ bool RawPeer::Accept() {
     poll(waits, 2, -1);
     if (waits[1].revents != 0)
         return false;
+    const std::lock_guard lock(mutex);
     end = tool::Descriptor(accept4(listener.Get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
+    came.notify_all();
     return true;
 }
 
@@ -124,7 +133,7 @@ void RawPeer::Keep(const Bytes &bytes) {
     const std::lock_guard lock(mutex);
     received.insert(received.end(), bytes.begin(), bytes.end());
     if (EndsWithQuery(received))
-        Send({0xC0, 'S', 0x40});
+        Write({0xC0, 'S', 0x40});
     came.notify_all();
 }
 

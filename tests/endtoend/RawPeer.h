@@ -39,6 +39,7 @@ class RawPeer {
     void Serve();
     bool ServeOnce();
     void Keep(const Bytes &bytes);
+    void Write(const Bytes &bytes);
 
     Medium medium;
     std::string serialPath;

@@ -34,6 +34,20 @@ TEST_F(WindowMessages, TellOfEveryKindOfPlainReply) {
     EXPECT_EQ(host.Told(5), (Lines{"44 2 4D31", "44 2 7632", "54 1 70", "4E 5 0200310032", "44 4 1B040035"}));
 }
 
+// The status query takes so long that the card data are being awaited when the link is closed.
+TEST_F(WindowMessages, TellNothingOfCardDataThatACloseCutsOff) {
+    Connect(false);
+    peer.Send({'0'});
+    EXPECT_EQ(host.Told(1), Lines{"54 1 30"});
+    peer.Send({0x02, 0x00, 0x31});
+    host.Call("GetPrinterStatus(400)");
+    EXPECT_EQ(host.Call("ClosePrinter()"), 1);
+    RawPeer other(Medium::tcp);
+    host.Connect(Wlan(other.TcpPort()));
+    other.Send({'0'});
+    EXPECT_EQ(host.Told(2), (Lines{"54 1 30", "54 1 30"}));
+}
+
 TEST_F(WindowMessages, TellOfAPlainStatus) {
     Connect(false);
     host.Ask("GetPrinterStatus(0)");
