@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <pthread.h>
 #include <string>
 #include <sys/resource.h>
@@ -91,8 +92,20 @@ inline std::ptrdiff_t OpenDescriptors() {
     return CountEntries("/proc/self/fd");
 }
 
+// The system lists a thread for a moment after it has been joined; its flags then say that it is leaving.
+inline bool IsLeaving(const std::filesystem::path &task) {
+    constexpr unsigned exiting = 4; // PF_EXITING
+    std::ifstream file(task / "stat");
+    file.ignore(std::numeric_limits<std::streamsize>::max(), ')'); // its number and name
+    std::string state, parent, group, session, terminal, foreground;
+    unsigned flags = exiting; // of one that has gone meanwhile
+    file >> state >> parent >> group >> session >> terminal >> foreground >> flags;
+    return (flags & exiting) != 0;
+}
+
 inline std::ptrdiff_t RunningThreads() {
-    return CountEntries("/proc/self/task");
+    const std::filesystem::directory_iterator tasks("/proc/self/task");
+    return std::count_if(begin(tasks), end(tasks), [](const auto &task) { return !IsLeaving(task.path()); });
 }
 
 // Processor time that the calling thread has used, in milliseconds.
