@@ -1,5 +1,6 @@
 #pragma once
 
+#include "image/BaseImage.h"
 #include "tests/LibraryTest.h"
 #include "tests/image/BmpBuilder.h"
 #include "tests/image/ScriptedDisplay.h"
@@ -41,6 +42,10 @@ class PictureTest : public LibraryTest {
     scripted::Files &files = scripted::TheFiles();
     scripted::Display &display = scripted::TheDisplay();
 };
+
+inline std::vector<uint8_t> BitsOf(BaseImage &image) {
+    return {image.GetBits(), image.GetBits() + image.GetInfo()->biSizeImage};
+}
 
 inline std::vector<uint8_t> FromHex(const std::string &hex) {
     std::vector<uint8_t> bytes;
