@@ -103,9 +103,11 @@ class Listener {
     void LimitReceiveBuffer(int bytes) { setsockopt(listening, SOL_SOCKET, SO_RCVBUF, &bytes, sizeof bytes); }
 
     // Waits for the next connection.
-    Peer Accept() const {
+    Peer Accept() const { return Peer(AcceptNumber()); }
+    // As a descriptor that is the caller's.
+    int AcceptNumber() const {
         pollfd waited = {listening, POLLIN, 0};
-        return Peer(poll(&waited, 1, 10'000) > 0 ? accept4(listening, nullptr, nullptr, SOCK_CLOEXEC) : -1);
+        return poll(&waited, 1, 10'000) > 0 ? accept4(listening, nullptr, nullptr, SOCK_CLOEXEC) : -1;
     }
 
   private:

@@ -2,6 +2,7 @@
 
 #include "platform/linux/MemoryProbe.h"
 #include "tests/linux/Support.h"
+#include "tests/linux/SystemFaults.h"
 
 #include <gtest/gtest.h>
 
@@ -127,6 +128,17 @@ TEST(Memory, AskingByPipeLeavesNoDescriptorAndSaysWhenItCannotAsk) {
     EXPECT_EQ(OpenDescriptors(), before);
     const NoDescriptorsLeft none;
     EXPECT_EQ(platform::ProbeByPipe(address, 1), Probe::refused);
+}
+
+TEST(Memory, WhereTheSystemDoesNotCopyMemoryAPipeIsAsked) {
+    const Pages pages(3);
+    const SystemFault refusal(
+        {.call = SystemCall::syscall, .error = EPERM, .times = 1000, .only = SYS_process_vm_readv});
+    EXPECT_TRUE(MemoryIsReadable(pages.At(0), 3 * kPage));
+    EXPECT_FALSE(MemoryIsReadable(pages.At(0), 3 * kPage + 1));
+    EXPECT_EQ(refusal.Met(), 2);
+    const NoDescriptorsLeft none;
+    EXPECT_FALSE(MemoryIsReadable(pages.At(0), 3 * kPage)) << "nothing is read that nobody has vouched for";
 }
 
 } // namespace

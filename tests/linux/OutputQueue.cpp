@@ -1,6 +1,7 @@
 #include "tests/linux/OutputQueue.h"
 
 #include "tests/linux/EmulatedTerminal.h"
+#include "tests/linux/SystemFaults.h"
 
 #include <asm/termbits.h>
 #include <cerrno>
@@ -24,6 +25,8 @@ extern "C" int ioctl(int descriptor, unsigned long request, ...) noexcept {
     va_start(arguments, request);
     void *argument = va_arg(arguments, void *);
     va_end(arguments);
+    if (const auto answer = MeetFault(SystemCall::ioctl, request))
+        return static_cast<int>(*answer);
     if (descriptor == device && request == TIOCOUTQ) {
         ++asked;
         *static_cast<int *>(argument) = queued;

@@ -1,6 +1,8 @@
 // A host name with several addresses, which not every machine has: for the whole test program, "A+B" stands
 // for the addresses of A, then those of B.
 
+#include "tests/linux/SystemFaults.h"
+
 #include <cstring>
 #include <dlfcn.h>
 #include <netdb.h>
@@ -13,6 +15,8 @@ using Resolve = int (*)(const char *, const char *, const addrinfo *, addrinfo *
 } // namespace
 
 extern "C" int getaddrinfo(const char *host, const char *service, const addrinfo *wanted, addrinfo **found) {
+    if (const auto answer = MeetFault(SystemCall::getaddrinfo))
+        return static_cast<int>(*answer);
     static const auto real = reinterpret_cast<Resolve>(dlsym(RTLD_NEXT, "getaddrinfo"));
     const char *plus = host == nullptr ? nullptr : std::strchr(host, '+');
     if (plus == nullptr)

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
@@ -193,6 +194,26 @@ class NoDescriptorsLeft {
 
   private:
     rlimit before;
+};
+
+// Leaves no thread to be had: the system has no stack for it.
+class NoThreadsLeft {
+  public:
+    NoThreadsLeft() {
+        pthread_getattr_default_np(&before);
+        pthread_attr_t boundless = before;
+        pthread_attr_setstacksize(&boundless, SIZE_MAX - SIZE_MAX / 16);
+        pthread_setattr_default_np(&boundless);
+    }
+    ~NoThreadsLeft() {
+        pthread_setattr_default_np(&before);
+        pthread_attr_destroy(&before);
+    }
+    NoThreadsLeft(const NoThreadsLeft &) = delete;
+    NoThreadsLeft &operator=(const NoThreadsLeft &) = delete;
+
+  private:
+    pthread_attr_t before;
 };
 
 // Closes descriptor 0, so that the next one opened is that, and puts it back.
