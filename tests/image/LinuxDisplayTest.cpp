@@ -43,6 +43,9 @@ TEST(LinuxDisplay, NullIsIgnoredAndMakesNothing) {
     DeleteContext(nullptr);
     DeleteBitmap(nullptr);
     SelectBitmap(nullptr, nullptr);
+    DeviceContext *const screen = CreateDisplayContext();
+    SelectBitmap(screen, nullptr);
+    DeleteContext(screen);
     EXPECT_EQ(CreateMemoryContext(nullptr), nullptr);
     EXPECT_EQ(CreateCompatibleBitmap(nullptr, 1, 1), nullptr);
 }

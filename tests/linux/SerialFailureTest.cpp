@@ -278,6 +278,14 @@ TEST_F(SerialFailure, ADeviceErrorEndsAWriteWithWhatTheDeviceTook) {
     EXPECT_FALSE(line.HasInput());
 }
 
+TEST_F(SerialFailure, ADeviceThatGoesWhileItsQueueIsLookedAtEndsTheWrite) {
+    const SystemFault fault({.call = SystemCall::ioctl, .error = EIO, .only = TIOCOUTQ});
+    EXPECT_FALSE(Write({1, 2}));
+    EXPECT_EQ(Error(), EIO);
+    EXPECT_EQ(count, 2U) << "it had taken them by then";
+    EXPECT_EQ(line.Read(2), (Bytes{1, 2}));
+}
+
 TEST_F(SerialFailure, ADeviceThatTakesOrGivesNothingForNowIsWaitedFor) {
     ASSERT_TRUE(line.Write({9}));
     ASSERT_TRUE(Await([&] { return Unread() == 1; }));

@@ -10,6 +10,7 @@
 
 #include <linux/sockios.h>
 #include <netdb.h>
+#include <netinet/tcp.h>
 #include <sys/ioctl.h>
 
 namespace {
@@ -272,6 +273,21 @@ TEST_F(ConnectionFailure, AReceiveThatFailsTellsWhy) {
     ASSERT_TRUE(printer->Write({6}));
     EXPECT_EQ(socket->Receive(&byte, 1, 0), 1);
     EXPECT_EQ(byte, 6);
+}
+
+TEST_F(ConnectionFailure, APrinterThatHasAnsweredNothingForTwoMinutesEndsASendThatWaits) {
+    int looks = 0;
+    const auto signs = [&](void *value) {
+        auto &info = *static_cast<tcp_info *>(value);
+        info.tcpi_last_ack_recv = 120'000; // milliseconds
+        info.tcpi_probes = ++looks < 3 ? 4 : 5;
+    };
+    const SystemFault silence(
+        {.call = SystemCall::getsockopt, .answer = 0, .times = 1000, .only = TCP_INFO, .gives = signs});
+    EXPECT_EQ(Send(Bytes(50'000'000)), -1);
+    EXPECT_EQ(Error(), ETIMEDOUT);
+    EXPECT_EQ(looks, 3);
+    EXPECT_GT(taken, 0U);
 }
 
 TEST_F(ConnectionFailure, APrinterThatSpeaksWithoutEndDoesNotHoldTheCloseUp) {

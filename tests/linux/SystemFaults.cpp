@@ -44,15 +44,15 @@ std::optional<Fault> Due(Slot &slot, unsigned long detail) {
 
 // The fault's answer, or what the system says.
 template <typename Result, typename... Parameters, typename... Arguments>
-Result Ask(SystemCall call, unsigned long detail, Result (*real)(Parameters...), Arguments... arguments) {
-    if (const auto answer = MeetFault(call, detail))
+Result Ask(SystemCall call, Result (*real)(Parameters...), Arguments... arguments) {
+    if (const auto answer = MeetFault(call))
         return static_cast<Result>(*answer);
     return real(arguments...);
 }
 
 } // namespace
 
-std::optional<long> MeetFault(SystemCall call, unsigned long detail) {
+std::optional<long> MeetFault(SystemCall call, unsigned long detail, void *value) {
     Slot &slot = SlotOf(call);
     if (!slot.armed)
         return std::nullopt;
@@ -61,6 +61,8 @@ std::optional<long> MeetFault(SystemCall call, unsigned long detail) {
         return std::nullopt;
     if (fault->before)
         fault->before();
+    if (fault->gives)
+        fault->gives(value);
     if (fault->answer)
         errno = fault->error;
     return fault->answer;
@@ -122,28 +124,29 @@ NADREL_WRAP(Syscall, "syscall", long, long, ...)
 NADREL_WRAP(Write, "write", ssize_t, int, const void *, size_t)
 
 int WrapConnect(int socket, const sockaddr *address, socklen_t size) {
-    return Ask(SystemCall::connect, 0, RealConnect, socket, address, size);
+    return Ask(SystemCall::connect, RealConnect, socket, address, size);
 }
 
 int WrapDup3(int from, int to, int flags) {
-    return Ask(SystemCall::dup3, 0, RealDup3, from, to, flags);
+    return Ask(SystemCall::dup3, RealDup3, from, to, flags);
 }
 
 int WrapFlock(int descriptor, int operation) {
-    return Ask(SystemCall::flock, 0, RealFlock, descriptor, operation);
+    return Ask(SystemCall::flock, RealFlock, descriptor, operation);
 }
 
 int WrapFstat(int descriptor, struct stat *status) {
-    return Ask(SystemCall::fstat, 0, RealFstat, descriptor, status);
+    return Ask(SystemCall::fstat, RealFstat, descriptor, status);
 }
 
 int WrapFtruncate(int descriptor, off_t size) {
-    return Ask(SystemCall::ftruncate, 0, RealFtruncate, descriptor, size);
+    return Ask(SystemCall::ftruncate, RealFtruncate, descriptor, size);
 }
 
 int WrapGetsockopt(int socket, int level, int name, void *value, socklen_t *size) {
-    return Ask(SystemCall::getsockopt, static_cast<unsigned long>(name), RealGetsockopt, socket, level, name,
-               value, size);
+    if (const auto answer = MeetFault(SystemCall::getsockopt, static_cast<unsigned long>(name), value))
+        return static_cast<int>(*answer);
+    return RealGetsockopt(socket, level, name, value, size);
 }
 
 int WrapOpen(const char *path, int flags, ...) {
@@ -156,27 +159,27 @@ int WrapOpen(const char *path, int flags, ...) {
 }
 
 ssize_t WrapPread(int descriptor, void *bytes, size_t count, off_t place) {
-    return Ask(SystemCall::pread, 0, RealPread, descriptor, bytes, count, place);
+    return Ask(SystemCall::pread, RealPread, descriptor, bytes, count, place);
 }
 
 ssize_t WrapRead(int descriptor, void *bytes, size_t count) {
-    return Ask(SystemCall::read, 0, RealRead, descriptor, bytes, count);
+    return Ask(SystemCall::read, RealRead, descriptor, bytes, count);
 }
 
 ssize_t WrapRecv(int socket, void *bytes, size_t count, int flags) {
-    return Ask(SystemCall::recv, 0, RealRecv, socket, bytes, count, flags);
+    return Ask(SystemCall::recv, RealRecv, socket, bytes, count, flags);
 }
 
 ssize_t WrapSend(int socket, const void *bytes, size_t count, int flags) {
-    return Ask(SystemCall::send, 0, RealSend, socket, bytes, count, flags);
+    return Ask(SystemCall::send, RealSend, socket, bytes, count, flags);
 }
 
 int WrapSocket(int family, int type, int protocol) {
-    return Ask(SystemCall::socket, 0, RealSocket, family, type, protocol);
+    return Ask(SystemCall::socket, RealSocket, family, type, protocol);
 }
 
 int WrapStat(const char *path, struct stat *status) {
-    return Ask(SystemCall::stat, 0, RealStat, path, status);
+    return Ask(SystemCall::stat, RealStat, path, status);
 }
 
 long WrapSyscall(long number, ...) {
@@ -193,5 +196,5 @@ long WrapSyscall(long number, ...) {
 }
 
 ssize_t WrapWrite(int descriptor, const void *bytes, size_t count) {
-    return Ask(SystemCall::write, 0, RealWrite, descriptor, bytes, count);
+    return Ask(SystemCall::write, RealWrite, descriptor, bytes, count);
 }

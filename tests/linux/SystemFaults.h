@@ -38,10 +38,12 @@ struct Fault {
     std::optional<unsigned long> only = std::nullopt;
     // What happens just before.
     std::function<void()> before = {};
+    // What is put in place of the value that is asked for (getsockopt).
+    std::function<void(void *value)> gives = {};
 };
 
 // Whether a fault is due at this call, and then its answer; counts the call. Any thread.
-std::optional<long> MeetFault(SystemCall call, unsigned long detail = 0);
+std::optional<long> MeetFault(SystemCall call, unsigned long detail = 0, void *value = nullptr);
 
 // While it exists, the fault is there: for the calls of the library and of the tests, not for those that the C
 // library makes for itself. One at a time for each kind of call.
