@@ -82,8 +82,6 @@ int64_t PrintBmp::RasterBytes(RasterForm form) const {
 }
 
 int64_t PrintBmp::FewestCompressedBytes() const {
-    if (!MakesBands())
-        return 0;
     const int64_t bands = int64_t{Height()} / kBandLines + 1;
     const int64_t bytes = int64_t{Height()} * static_cast<int64_t>(LineBytes());
     return kCompressedPrologue + bands * (kBandHeader + kBandTrailer) +

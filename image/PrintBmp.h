@@ -41,8 +41,6 @@ class PrintBmp {
 
     // The bytes that MakeRaster makes.
     int64_t RasterBytes(RasterForm form) const;
-    // The fewest bytes that MakeCompressedRaster can make: for a picture of one colour.
-    int64_t FewestCompressedBytes() const;
 
     // Writes the commands to `destination`.
     int32_t MakeRaster(RasterForm form, std::span<uint8_t> destination);
@@ -57,6 +55,8 @@ class PrintBmp {
     enum class BitSense { asStored, inverted };
 
     bool MakesBands() const { return info.biBitCount == 1 || info.biBitCount == 24; }
+    // The fewest bytes that a picture that makes bands compresses to: one of one colour.
+    int64_t FewestCompressedBytes() const;
     int64_t Stride() const;
     size_t LineBytes() const;
     int32_t Height() const;

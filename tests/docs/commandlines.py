@@ -8,6 +8,7 @@ import markdown
 
 # Command lines that no test runs, each with the reason.
 NOT_RUN = {
+    "./dev coverage": "builds once more, with counters, and runs most tests",
     "./dev demo": "installs packages and builds; .ci/run runs it",
     "./dev package": "builds; the tests of the packages make and use them",
     "./dev test": "is what runs this test",

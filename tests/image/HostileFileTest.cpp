@@ -1,3 +1,4 @@
+#include "image/BaseImage.h"
 #include "tests/image/Oracle.h"
 #include "tests/image/PictureTest.h"
 #include "tests/image/RandomSeeds.h"
@@ -217,6 +218,16 @@ TEST_F(HostileFileTest, TakesNoMoreMemoryThanAPieceTheSpoolAndWhatTheFileHas) {
                 ExpectToNeedNoBlockOf(limit, [] { NormalBmpSaveSpool(kName); });
                 ExpectToNeedNoBlockOf(limit, [] { CompressedBmpSaveSpool(kName); });
             }
+}
+
+TEST_F(HostileFileTest, ANameThatIsTooLongIsNotSavedTo) {
+    Give(Small());
+    BaseImage image;
+    ASSERT_EQ(image.LoadBmp(kName), 1);
+    EXPECT_EQ(image.SaveBmp(std::u16string(512, u'x').c_str()), 0);
+    EXPECT_EQ(files.Held(std::u16string(511, u'x')), FileBytes()) << "nor to its beginning";
+    EXPECT_EQ(image.SaveBmp(std::u16string(511, u'x').c_str()), 1);
+    EXPECT_EQ(files.Held(std::u16string(511, u'x')), FileBytes(Small().Bytes()));
 }
 
 TEST_F(HostileFileTest, HeadersOfRandomBytes) {

@@ -10,10 +10,10 @@ namespace platform {
 
 namespace {
 
-// What a call makes when there is no memory for it.
+// What a call makes when there is no memory for it: for the nth thing that it asks for.
 template <typename Call>
-auto MadeWithoutMemory(Call call) {
-    scripted::allocation::FailNth(1, 0, SIZE_MAX);
+auto MadeWithoutMemory(Call call, int nth = 1) {
+    scripted::allocation::FailNth(nth, 0, SIZE_MAX);
     const auto made = call();
     EXPECT_EQ(scripted::allocation::Failures(), 1);
     scripted::allocation::Allow();
@@ -27,7 +27,8 @@ TEST(DisplayFailure, WithoutMemoryNothingIsMade) {
         GTEST_SKIP() << "the sanitizer has an operator new of its own";
     const std::vector<PaletteEntry> entries(2);
     DeviceContext *const screen = CreateDisplayContext();
-    EXPECT_EQ(MadeWithoutMemory([&] { return CreatePalette(entries); }), nullptr);
+    for (const int nth : {1, 2})
+        EXPECT_EQ(MadeWithoutMemory([&] { return CreatePalette(entries); }, nth), nullptr);
     EXPECT_EQ(MadeWithoutMemory([] { return CreateDisplayContext(); }), nullptr);
     EXPECT_EQ(MadeWithoutMemory([&] { return CreateMemoryContext(screen); }), nullptr);
     EXPECT_EQ(MadeWithoutMemory([&] { return CreateCompatibleBitmap(screen, 8, 8); }), nullptr);

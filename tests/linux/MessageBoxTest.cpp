@@ -22,6 +22,10 @@ TEST(MessageBox, ShowsNoTextAsAnEmptyLine) {
     EXPECT_EQ(Shown(nullptr), "\n");
 }
 
+TEST(MessageBox, ShowsCharactersBehindTheSurrogatesAsTheyAre) {
+    EXPECT_EQ(Shown(u"\uE000 \uFF21 \uFFFD"), "\xEE\x80\x80 \xEF\xBC\xA1 \xEF\xBF\xBD\n");
+}
+
 TEST(MessageBox, ShowsALoneSurrogateAsAReplacementCharacter) {
     constexpr char16_t kLow[] = {0xDC00, u'x', 0};
     constexpr char16_t kHigh[] = {0xD800, u'x', 0};

@@ -101,6 +101,17 @@ TEST_F(SerialOpenFailure, ADriverThatDoesNotSayWhetherItsDeviceIsTakenIsOpened) 
     EXPECT_EQ(fault.Met(), 1);
 }
 
+TEST_F(SerialOpenFailure, ADeviceWithModemLinesIsClosedOnReturnWhereItsDriverDoesNotHoldTheCloseUp) {
+    std::thread([] {}).join(); // a sanitizer starts a thread of its own with the first one
+    const auto threads = RunningThreads();
+    const PortHandle port = Open();
+    const SystemFault device({.call = SystemCall::ioctl, .answer = 0, .only = TIOCMGET});
+    EXPECT_TRUE(platform::ClosePort(port));
+    EXPECT_EQ(device.Met(), 1);
+    EXPECT_EQ(OpenDescriptors(), descriptors);
+    EXPECT_TRUE(Await([&] { return RunningThreads() <= threads; }));
+}
+
 TEST_F(SerialOpenFailure, WithoutMemoryNothingIsOpened) {
     if (!scripted::allocation::CanFail())
         GTEST_SKIP() << "the sanitizer has an operator new of its own";
