@@ -134,6 +134,9 @@ TEST(Dither, BeginFailsWhenEitherRowFindsNoMemory) {
         EXPECT_EQ(dither.Begin(100, 1, 0.5), 0);
         scripted::allocation::Allow();
         ExpectToDoNothing(dither);
+        dither.Reset();
+        ExpectToDoNothing(dither);
+        EXPECT_EQ(dither.Begin(100, 1, 0.5), 1);
     }
 }
 
