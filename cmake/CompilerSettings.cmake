@@ -31,9 +31,15 @@ if(NADREL_SANITIZE)
         # no descriptor for a pipe.
         add_compile_options(-fno-sanitize=vptr)
     endif()
-    # What the instrumentation does to the code makes g++ warn of things that are not there; the builds without it
-    # hold the warnings.
-    target_compile_options(nadrel_settings INTERFACE -Wno-error)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # What the instrumentation does to the code makes g++ warn of things that are not there; the builds without
+        # it hold the warnings.
+        target_compile_options(nadrel_settings INTERFACE -Wno-error)
+    else()
+        # Programs in C load the library, whose checks ask about types of C++.
+        add_link_options(-fsanitize-link-c++-runtime)
+        link_libraries(stdc++)
+    endif()
 endif()
 
 # nadrel_room(<target>): one room of the library, compiled once for the shared library and for the tests.
