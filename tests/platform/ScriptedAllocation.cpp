@@ -17,6 +17,7 @@ thread_local size_t lowest = 0;
 thread_local size_t highest = 0;
 thread_local bool failsOnward = false;
 thread_local int failures = 0;
+thread_local size_t firstFailure = 0;
 thread_local int exempt = 0;
 
 } // namespace
@@ -41,10 +42,15 @@ void FailNth(int nth, size_t atLeast, size_t atMost, bool onward) {
     failIn = nth;
     failsOnward = onward;
     failures = 0;
+    firstFailure = 0;
 }
 
 int Failures() {
     return failures;
+}
+
+size_t FirstFailure() {
+    return firstFailure;
 }
 
 bool Allow() {
@@ -71,7 +77,8 @@ bool Fails(size_t size) {
     const bool fails = failIn == 1;
     if (!fails || !failsOnward)
         --failIn;
-    failures += fails ? 1 : 0;
+    if (fails && ++failures == 1)
+        firstFailure = size;
     return fails;
 }
 

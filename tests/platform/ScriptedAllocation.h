@@ -14,8 +14,9 @@ void FailNext(size_t atLeast, size_t atMost);
 // The nth one does, counted from 1, and all behind it where `onward`.
 void FailNth(int nth, size_t atLeast, size_t atMost, bool onward = false);
 
-// How many have failed since.
+// How many have failed since, and the bytes that the first of them was to have; 0 while none has.
 int Failures();
+size_t FirstFailure();
 
 // No allocation fails. True when none has that was to.
 bool Allow();

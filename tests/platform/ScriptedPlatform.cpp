@@ -65,7 +65,10 @@ void Platform::Reset() {
     ports.clear();
     sockets.clear();
     socketSupport = 0;
+    failedSupport = 0;
+    failedIOCtl = -1;
     input.clear();
+    delivered = 0;
     hungUp = false;
     written.clear();
     notifications.clear();

@@ -100,6 +100,12 @@ class Platform {
     int LiveThreads() const;
     int SocketSupport() const; // starts less stops
 
+    // What the library has been given of what the printer sent, in bytes.
+    size_t Delivered() const;
+
+    // What IOCtl gives when it fails: -1 or 0.
+    int32_t failedIOCtl = -1;
+
     // The number of the next port or socket handle; from 3 on after Reset.
     void SetNextHandle(intptr_t handle);
     // What the next port opened has before it is configured.
@@ -125,11 +131,14 @@ class Platform {
     Port PortAt(platform::PortHandle port) const;
     bool WaitForPort(platform::PortHandle port); // until input or release; whether there is input
     bool TakeByte(uint8_t &byte);
-    platform::SocketHandle AddSocket();
+    platform::SocketHandle AddSocket(); // -1 while there is no socket support
     bool SocketIsOpen(platform::SocketHandle socket) const;
+    void RefuseSocket(platform::SocketHandle socket, bool refused); // by the printer, until the next connect
+    bool SocketIsRefused(platform::SocketHandle socket) const;
     void RemoveSocket(platform::SocketHandle socket);
     Bytes WaitForSegment(platform::SocketHandle socket, size_t atMost); // empty when hung up
-    void CountSocketSupport(int change);
+    void StartSupport(bool fails);
+    void StopSupport();
     void AddWritten(const Bytes &bytes);
     void AddNotification(const Notification &notification);
     void AddMessage(const std::string &text);
@@ -153,6 +162,11 @@ class Platform {
         Hook hook = {};
     };
 
+    struct Socket {
+        bool open = false;
+        bool refused = false;
+    };
+
     using Lock = std::lock_guard<std::mutex>;
 
     std::vector<Hook> HooksFor(const std::string &operation);
@@ -171,9 +185,11 @@ class Platform {
     uint64_t now = 0;
     intptr_t nextHandle = 3;
     std::map<platform::PortHandle, Port> ports;
-    std::map<platform::SocketHandle, bool> sockets; // whether open
+    std::map<platform::SocketHandle, Socket> sockets;
     int socketSupport = 0;
+    int failedSupport = 0; // of those
     std::deque<Bytes> input;
+    size_t delivered = 0;
     bool hungUp = false;
     std::vector<Bytes> written;
     std::vector<Notification> notifications;

@@ -70,6 +70,7 @@ bool Platform::TakeByte(uint8_t &byte) {
     const Lock lock(mutex);
     if (input.empty())
         return false;
+    ++delivered;
     byte = input.front().front();
     input.front().erase(input.front().begin());
     if (input.front().empty())
@@ -97,6 +98,11 @@ void Platform::AddWritten(const Bytes &bytes) {
 std::vector<Bytes> Platform::Written() const {
     const Lock lock(mutex);
     return written;
+}
+
+size_t Platform::Delivered() const {
+    const Lock lock(mutex);
+    return delivered;
 }
 
 namespace {

@@ -7,32 +7,58 @@
 
 namespace scripted {
 
+namespace {
+
+constexpr intptr_t kNoSocket = -1;
+
+}
+
 platform::SocketHandle Platform::AddSocket() {
     const Lock lock(mutex);
-    sockets[nextHandle] = true;
+    if (failedSupport != 0 && failedSupport == socketSupport)
+        return kNoSocket;
+    sockets[nextHandle] = {.open = true};
     return nextHandle++;
 }
 
 bool Platform::SocketIsOpen(platform::SocketHandle socket) const {
     const Lock lock(mutex);
     const auto found = sockets.find(socket);
-    return found != sockets.end() && found->second;
+    return found != sockets.end() && found->second.open;
+}
+
+void Platform::RefuseSocket(platform::SocketHandle socket, bool refused) {
+    const Lock lock(mutex);
+    sockets[socket].refused = refused;
+}
+
+bool Platform::SocketIsRefused(platform::SocketHandle socket) const {
+    const Lock lock(mutex);
+    const auto found = sockets.find(socket);
+    return found != sockets.end() && found->second.refused;
 }
 
 void Platform::RemoveSocket(platform::SocketHandle socket) {
     const Lock lock(mutex);
-    sockets[socket] = false;
+    sockets[socket].open = false;
 }
 
 int Platform::OpenSockets() const {
     const Lock lock(mutex);
     return static_cast<int>(
-        std::count_if(sockets.begin(), sockets.end(), [](const auto &entry) { return entry.second; }));
+        std::count_if(sockets.begin(), sockets.end(), [](const auto &entry) { return entry.second.open; }));
 }
 
-void Platform::CountSocketSupport(int change) {
+void Platform::StartSupport(bool fails) {
     const Lock lock(mutex);
-    socketSupport += change;
+    ++socketSupport;
+    failedSupport += fails ? 1 : 0;
+}
+
+void Platform::StopSupport() {
+    const Lock lock(mutex);
+    --socketSupport;
+    failedSupport = std::max(failedSupport - 1, 0);
 }
 
 int Platform::SocketSupport() const {
@@ -61,9 +87,10 @@ Bytes Platform::WaitForSegment(platform::SocketHandle socket, size_t atMost) {
                 segment.erase(segment.begin(), end);
                 if (segment.empty())
                     input.pop_front();
+                delivered += taken.size();
                 return taken;
             }
-            if (hungUp || !sockets[socket])
+            if (hungUp || !sockets[socket].open)
                 return {};
         }
         if (!AdvanceToNextAction())
@@ -73,7 +100,6 @@ Bytes Platform::WaitForSegment(platform::SocketHandle socket, size_t atMost) {
 
 namespace {
 
-constexpr intptr_t kNoSocket = -1;
 constexpr uint64_t kOverPauseMs = 100;
 
 std::string Shown(int32_t seconds, int32_t microseconds) {
@@ -101,13 +127,14 @@ using namespace scripted;
 
 bool StartSocketSupport() {
     const scripted::allocation::Exempt own;
-    TheSystem().CountSocketSupport(1);
-    return !TheSystem().Enter("StartSocketSupport", "").failed;
+    const bool failed = TheSystem().Enter("StartSocketSupport", "").failed;
+    TheSystem().StartSupport(failed);
+    return !failed;
 }
 
 void StopSocketSupport() {
     const scripted::allocation::Exempt own;
-    TheSystem().CountSocketSupport(-1);
+    TheSystem().StopSupport();
     TheSystem().Note("StopSocketSupport", "");
 }
 
@@ -127,21 +154,22 @@ int32_t CAsyncSocket::Create(uint32_t port, int32_t type, int32_t events, const 
     if (outcome.failed)
         return 0;
     handle = TheSystem().AddSocket();
-    return 1;
+    return handle != kNoSocket;
 }
 
-// A failure without a result is -1.
 int32_t CAsyncSocket::IOCtl(SocketCommand, uint32_t argument) {
     const scripted::allocation::Exempt own;
     const Outcome outcome =
-        TheSystem().Enter("IOCtl", Joined(handle, "nonBlocking, " + std::to_string(argument)));
-    return outcome.result.value_or(outcome.failed ? -1 : 1);
+        EnterSocket("IOCtl", handle, Joined(handle, "nonBlocking, " + std::to_string(argument)));
+    return outcome.result.value_or(outcome.failed ? TheSystem().failedIOCtl : 1);
 }
 
+// One that failed shows at SelectWritable.
 int32_t CAsyncSocket::Connect(const char16_t *host, uint32_t port) {
     const scripted::allocation::Exempt own;
     const Outcome outcome =
-        TheSystem().Enter("Connect", Joined(handle, Quoted(host) + ", " + std::to_string(port)));
+        EnterSocket("Connect", handle, Joined(handle, Quoted(host) + ", " + std::to_string(port)));
+    TheSystem().RefuseSocket(handle, outcome.failed);
     return outcome.result.value_or(0);
 }
 
@@ -160,7 +188,8 @@ int32_t SelectWritable(SocketHandle readLimit, SocketHandle socket, int32_t seco
     const scripted::allocation::Exempt own;
     const Outcome outcome = EnterSocket("SelectWritable", socket,
                                         Joined(readLimit, Joined(socket, Shown(seconds, microseconds))));
-    const int32_t result = outcome.result.value_or(outcome.failed ? -1 : 1);
+    const int32_t ready = TheSystem().SocketIsRefused(socket) ? 0 : 1;
+    const int32_t result = outcome.result.value_or(outcome.failed ? -1 : ready);
     writable = outcome.writable.value_or(result > 0);
     return result;
 }
