@@ -9,12 +9,18 @@ namespace nadrel::faults {
 
 namespace {
 
-constexpr uint32_t kIoError = 5;
 constexpr int kMostPoints = 1000; // a scenario with more never ends
 constexpr uint64_t kReceiveMs = 20, kParseMs = 320;
 constexpr uint8_t kStatus = 0x10;
 
 int pointsTried = 0;
+
+NadrelLinkReport Report() {
+    NadrelLinkReport report = {};
+    report.size = sizeof report;
+    EXPECT_EQ(1, GetLinkReport(&report));
+    return report;
+}
 
 std::string Shown(const Fault &fault) {
     static constexpr const char *kSources[] = {"operation", "file operation", "allocation"};
@@ -22,8 +28,8 @@ std::string Shown(const Fault &fault) {
            (fault.onward ? " and all behind it fail" : " fails");
 }
 
-// Whether the fault came.
-bool TryPoint(const Scenario &scenario, const Fault &fault) {
+// Whether the fault came, and adds to the operations.
+bool TryPoint(const Scenario &scenario, const Fault &fault, std::set<std::string> &operations) {
     SCOPED_TRACE(scenario.name + ": " + Shown(fault));
     Point point;
     point.AttachPrinter();
@@ -34,6 +40,8 @@ bool TryPoint(const Scenario &scenario, const Fault &fault) {
     point.Disarm();
     scenario.check(point, result);
     point.ExpectUsable();
+    for (const std::string &call : point.Failed())
+        operations.insert(call.substr(0, call.find(' ')));
     return point.Came();
 }
 
@@ -45,7 +53,12 @@ Point::~Point() {
     os.ForgetScript();
 }
 
-void Point::Arm(const Fault &fault) {
+void Point::Arm(const Fault &armed) {
+    fault = armed;
+    before = Report();
+    deliveredBefore = os.Delivered();
+    notifiedBefore = os.Notifications().size();
+    LastLinkError = kNoReason;
     switch (fault.source) {
     case Source::system:
         return fault.onward ? os.FailFromCall(fault.nth, kIoError) : os.FailCall(fault.nth, kIoError);
@@ -57,7 +70,7 @@ void Point::Arm(const Fault &fault) {
 }
 
 void Point::Disarm() {
-    allocationFailures = allocation::Failures();
+    firstAllocation = allocation::FirstFailure();
     fileFailures = files.Failures();
     allocation::Allow();
     files.Fail(0);
@@ -66,9 +79,10 @@ void Point::Disarm() {
     os.ForgetScript();
 }
 
-bool Point::FailedAtAny(const std::string &operation) const {
-    return std::any_of(failed.begin(), failed.end(),
-                       [&](const std::string &call) { return call.starts_with(operation + ' '); });
+size_t Point::FailuresOf(const std::string &operation) const {
+    return static_cast<size_t>(std::count_if(failed.begin(), failed.end(), [&](const std::string &call) {
+        return call.starts_with(operation + ' ');
+    }));
 }
 
 void Point::AttachPrinter() {
@@ -91,7 +105,6 @@ void Point::Serve() {
 
 void Point::AnswerQueries() {
     const std::vector<std::string> written = WrittenHex();
-    heard = std::min(heard, written.size());
     for (; heard < written.size(); ++heard) {
         if (written[heard] == "00 C0 51 C1")
             os.PrinterSends({0xC0, 'S', kStatus});
@@ -102,7 +115,21 @@ void Point::AnswerQueries() {
 
 bool Point::ToldStatus() const {
     const auto told = os.Notifications();
-    return std::any_of(told.begin(), told.end(), [](const auto &one) { return one.Kind() == 'S'; });
+    return std::any_of(told.begin() + static_cast<ptrdiff_t>(notifiedBefore), told.end(),
+                       [](const auto &one) { return one.Kind() == 'S'; });
+}
+
+void Point::ExpectReported(size_t bytesOfAWrite) const {
+    const NadrelLinkReport report = Report();
+    EXPECT_EQ(Asked() * bytesOfAWrite, report.bytesAsked - before.bytesAsked);
+    EXPECT_EQ(Written().size(), report.bytesTaken - before.bytesTaken);
+    EXPECT_EQ((Asked() - Refused()) * bytesOfAWrite, Written().size());
+    EXPECT_EQ(Refused(), report.errorCount - before.errorCount);
+    EXPECT_EQ(Refused() == 0 ? 0 : kIoError, report.lastError);
+    EXPECT_EQ(Delivered(), report.bytesReceived - before.bytesReceived);
+    EXPECT_EQ(RingFailed() ? Delivered() : 0, report.bytesDropped - before.bytesDropped);
+    EXPECT_EQ(os.Notifications().size() - notifiedBefore,
+              report.notificationsPosted - before.notificationsPosted);
 }
 
 bool Point::OpenLink(bool wireless, bool framed) {
@@ -115,6 +142,11 @@ std::vector<uint8_t> Point::Written() const {
     for (const scripted::Bytes &bytes : os.Written())
         all.insert(all.end(), bytes.begin(), bytes.end());
     return all;
+}
+
+void Point::ForgetWritten() {
+    os.ForgetCalls();
+    heard = 0;
 }
 
 void Point::ExpectNothingHeld() {
@@ -154,18 +186,32 @@ void Point::ExpectUsable() {
     os.ForgetScript();
 }
 
-int TryEveryPoint(const Scenario &scenario) {
+namespace {
+
+// One run more than there are points: the last is that in which nothing fails.
+int TryPoints(const Scenario &scenario, Source source, bool onward, std::set<std::string> &operations) {
     int tried = 0;
-    for (const Source source : scenario.sources) {
+    while (tried < kMostPoints && TryPoint(scenario, {source, onward, tried + 1}, operations))
+        ++tried;
+    EXPECT_LT(tried, kMostPoints) << scenario.name << " goes on failing";
+    return tried;
+}
+
+} // namespace
+
+std::set<std::string> TryEveryPoint(const Scenario &scenario) {
+    std::set<std::string> operations;
+    for (const Source source : {Source::system, Source::files, Source::memory}) {
         if (source == Source::memory && !allocation::CanFail())
             continue;
-        for (const bool onward : {false, true})
-            for (int nth = 1; TryPoint(scenario, {source, onward, nth}) && nth <= kMostPoints; ++nth)
-                ++tried;
+        for (const bool onward : {false, true}) {
+            const int tried = TryPoints(scenario, source, onward, operations);
+            EXPECT_EQ(scenario.sources.contains(source), tried != 0)
+                << scenario.name << ": " << Shown({source, onward, tried});
+            pointsTried += tried;
+        }
     }
-    EXPECT_GT(tried, 0) << scenario.name << " never failed";
-    pointsTried += tried;
-    return tried;
+    return operations;
 }
 
 int PointsTried() {

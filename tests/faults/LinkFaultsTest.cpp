@@ -13,18 +13,26 @@ void PrintTo(const Link &link, std::ostream *out) {
     *out << link.name;
 }
 
-// What the printing functions do on an open link.
+// A call, and the operations that it needs of a port or of a socket.
+struct Use {
+    const char *name;
+    std::set<std::string> ofPort;
+    std::set<std::string> ofSocket;
+};
+
+// What the printing functions do on an open link. None of them needs memory.
 class LinkFaultsTest : public testing::TestWithParam<Link> {
   protected:
-    void TryEveryPoint(const std::string &name, const std::function<int32_t(Point &)> &act,
+    void TryEveryPoint(const Use &use, const std::function<int32_t(Point &)> &act,
                        const std::function<void(Point &, int32_t)> &check) {
-        faults::TryEveryPoint(
-            {.name = name,
-             .sources = {Source::system, Source::memory},
+        const auto failed = faults::TryEveryPoint(
+            {.name = use.name,
+             .sources = {Source::system},
              .prepare =
                  [](Point &point) { EXPECT_TRUE(point.OpenLink(GetParam().wireless, GetParam().framed)); },
              .act = act,
              .check = check});
+        EXPECT_EQ(GetParam().wireless ? use.ofSocket : use.ofPort, failed);
     }
 };
 
@@ -38,10 +46,12 @@ int32_t PrintText(int32_t &raw) {
     return PrintSpool(1);
 }
 
-void ExpectReported(const Point &point) {
-    const bool refused = point.FailedAtAny("WritePort") || point.FailedAtAny("Send");
-    EXPECT_EQ(refused ? 1u : 0u, Counters.errorCount);
-    EXPECT_EQ(refused, point.Written().empty());
+// With the raw bytes and without.
+std::string Text(bool framed, bool raw) {
+    if (framed)
+        return raw ? "00 C0 44 31 30 30 31 35 1B 40 1D 21 00 1B 45 01 6F 6E 65 20 74 77 6F 52 42 C1"
+                   : "00 C0 44 31 30 30 31 33 1D 21 00 1B 45 01 6F 6E 65 20 74 77 6F 49 02 C1";
+    return raw ? "1B 40 1D 21 00 1B 45 01 6F 6E 65 20 74 77 6F" : "1D 21 00 1B 45 01 6F 6E 65 20 74 77 6F";
 }
 
 } // namespace
@@ -50,34 +60,56 @@ void ExpectReported(const Point &point) {
 TEST_P(LinkFaultsTest, PrintingText) {
     int32_t raw = 0;
     TryEveryPoint(
-        "text", [&](Point &) { return PrintText(raw); },
+        {"text", {"MemoryIsReadable", "WritePort"}, {"MemoryIsReadable", "Send"}},
+        [&](Point &) { return PrintText(raw); },
         [&](Point &point, int32_t result) {
             EXPECT_EQ(NADREL_SUCCESS, result);
-            EXPECT_EQ(point.FailedAtAny("MemoryIsReadable") ? 0 : 2, raw);
+            const bool readable = !point.FailedAtAny("MemoryIsReadable");
+            EXPECT_EQ(readable ? 2 : 0, raw);
             EXPECT_EQ(0, SpoolLength);
-            ExpectReported(point);
+            const std::string text = Text(GetParam().framed, readable);
+            EXPECT_EQ(1u, point.Asked());
+            EXPECT_EQ(point.Refused() != 0 ? "" : text, HexOf(point.Written()));
+            EXPECT_EQ(point.Refused() != 0 ? kIoError : kNoReason, LastLinkError);
+            point.ExpectReported((text.size() + 1) / 3);
         });
 }
 
-// The query says whether a byte came.
+// Three queries survive any one failure; from a failure on, one byte is an answer.
 TEST_P(LinkFaultsTest, AskingForTheStatus) {
     TryEveryPoint(
-        "status", [](Point &) { return GetPrinterStatus(600); },
-        [](Point &, int32_t result) {
-            EXPECT_EQ(StatusCaptureByte < kCaptureArmed ? 1 : -7, result);
-            EXPECT_EQ(result == 1, Counters.bytesReceived > (GetParam().framed ? 3 : 0));
+        {"status",
+         {"WritePort", "SetPortEvents", "WaitPortEvent", "ReadPort", "GetModemStatus"},
+         {"Send", "Receive"}},
+        [](Point &) { return GetPrinterStatus(600); },
+        [](Point &point, int32_t result) {
+            const bool answered = point.RecoversAtOnce() || point.Delivered() != 0;
+            EXPECT_EQ(answered ? 1 : -7, result);
             EXPECT_TRUE(LinkIsOpen());
+            const size_t most = point.Came() ? 2 : 1;
+            EXPECT_LE(answered ? 1 + point.Refused() : 3, point.Asked());
+            EXPECT_GE(answered ? most : 3, point.Asked());
+            EXPECT_EQ(point.Refused() != 0 ? kIoError : kNoReason, LastLinkError);
+            point.ExpectReported(GetParam().framed ? 4 : 2);
+            // A framed reply of which bytes come too late is none, though it has answered.
+            const bool whole = !GetParam().framed || !point.FailedAtAny("ReadPort");
+            point.Serve();
+            EXPECT_TRUE(point.ToldStatus() || !point.RecoversAtOnce() || !whole);
         });
 }
 
 // A port that would not close is the one thing that a close tells.
 TEST_P(LinkFaultsTest, Closing) {
     TryEveryPoint(
-        "close", [](Point &) { return ClosePrinter(); },
+        {"close", {"SetPortEvents", "ClosePort", "SignalPort", "PurgePort"}, {"CloseSocket"}},
+        [](Point &) { return ClosePrinter(); },
         [](Point &point, int32_t result) {
-            EXPECT_EQ(point.FailedAtAny("ClosePort") ? 0 : 1, result);
+            const bool kept = point.FailedAtAny("ClosePort");
+            EXPECT_EQ(kept ? 0 : 1, result);
+            EXPECT_EQ(kept ? kIoError : kNoReason, LastLinkError);
             EXPECT_FALSE(LinkIsOpen());
-            if (result == 0)
+            EXPECT_EQ(0u, point.Asked());
+            if (kept)
                 point.KeepPort();
         });
 }
