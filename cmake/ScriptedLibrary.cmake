@@ -1,5 +1,6 @@
 # nadrel_use_scripted_library(<target>): the library's rooms on the tests' scripted system, files and display,
 # compiled once for all.
+find_package(GTest REQUIRED)
 file(GLOB scripted_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/platform/*.cpp)
 add_library(nadrel_scripted_library STATIC
     ${scripted_sources}
