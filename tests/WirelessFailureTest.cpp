@@ -40,6 +40,29 @@ TEST_F(WirelessFailureTest, InitDoesNotTestTheResultOfConnect) {
     }
 }
 
+TEST_F(WirelessFailureTest, InitGivesMinus2WhenThePrinterRefusesTheConnection) {
+    os.Fail("Connect", kRefused);
+    EXPECT_EQ(-2, Init(0));
+    EXPECT_THAT(os.Calls(), ElementsAreArray(kInitToSelect + kDisposal));
+    ExpectClosed();
+    EXPECT_EQ(0u, LastLinkError);
+}
+
+TEST_F(WirelessFailureTest, ConnectGivesMinus7WhenThePrinterRefusesTheLastAttempt) {
+    os.Fail("Connect", kRefused, 1);
+    os.Fail("Connect", kRefused, 2);
+    EXPECT_EQ(-7, ConnectWirelessPrinter(u"printer", 9100, 400, 0));
+    ExpectClosed();
+    EXPECT_EQ(kRefused, LastLinkError);
+}
+
+TEST_F(WirelessFailureTest, ConnectForgetsARefusalWhenALaterAttemptIsTaken) {
+    os.Fail("Connect", kRefused);
+    EXPECT_EQ(1, ConnectWirelessPrinter(u"printer", 9100, 400, 0));
+    EXPECT_EQ(2u, os.CountOf("SelectWritable"));
+    EXPECT_EQ(0u, LastLinkError);
+}
+
 TEST_F(WirelessFailureTest, InitGivesMinus1WhenSelectFails) {
     os.Fail("SelectWritable", kInvalid);
     EXPECT_EQ(-1, Init(0));

@@ -119,6 +119,9 @@ void Check(const Case &given, Point &point, int32_t result) {
     const int32_t documented = Documented(given, point);
     EXPECT_EQ(documented, result);
     EXPECT_EQ(documented == NADREL_SUCCESS, LinkIsOpen());
+    if (documented == NADREL_SUCCESS) {
+        EXPECT_EQ(point.FailedAtAny("RegisterNotification"), NotifyMessageId == 0);
+    }
     EXPECT_EQ(DocumentedReason(given, point, documented), LastLinkError);
     ExpectQueried(given, point, documented);
     const bool refusesSettings =

@@ -96,6 +96,7 @@ void Point::Serve() {
         return;
     serving = true;
     AnswerQueries();
+    const allocation::Counted ofTheLibrary;
     if (ReceiveThreadObject != nullptr)
         os.RunThread(ReceiveThreadBody, kReceiveMs);
     if (ParserThreadObject != nullptr)

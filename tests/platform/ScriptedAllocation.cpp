@@ -65,6 +65,12 @@ Exempt::~Exempt() {
     --exempt;
 }
 
+Counted::Counted() : exempted(std::exchange(exempt, 0)) {}
+
+Counted::~Counted() {
+    exempt = exempted;
+}
+
 } // namespace scripted::allocation
 
 #ifndef NADREL_OPERATOR_NEW_IS_TAKEN

@@ -30,6 +30,18 @@ class Exempt {
     Exempt &operator=(const Exempt &) = delete;
 };
 
+// While one exists, they are the library's again: the system runs a thread of it.
+class Counted {
+  public:
+    Counted();
+    ~Counted();
+    Counted(const Counted &) = delete;
+    Counted &operator=(const Counted &) = delete;
+
+  private:
+    int exempted;
+};
+
 } // namespace scripted::allocation
 
 namespace nadrel {
