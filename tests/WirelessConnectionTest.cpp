@@ -137,7 +137,6 @@ TEST_P(EveryWirelessConnectTest, ShowsAnErrorOfSocketSupportAtTheSocketOnly) {
     os.Fail("StartSocketSupport", 10091);
     EXPECT_THAT(Connect(), testing::AnyOf(-1, -2));
     EXPECT_EQ(1u, os.CountOf("Create"));
-    EXPECT_EQ(1u, os.CountOf("SelectWritable"));
     ExpectClosed();
 }
 
@@ -181,7 +180,7 @@ TEST_P(EveryWirelessConnectTest, SurvivesTheFailureOfAnyOneCall) {
         SCOPED_TRACE("call " + std::to_string(nth) + " fails");
         os.Reset();
         os.FailCall(nth, 5);
-        EXPECT_THAT(Connect(1), testing::AnyOf(-1, -2, -3, -5));
+        EXPECT_THAT(Connect(1), testing::AnyOf(-1, -2, -5, -7));
         ExpectClosed();
         EXPECT_EQ(0, ClosePrinter());
     }
