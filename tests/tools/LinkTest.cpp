@@ -1,11 +1,16 @@
+#include "FakePrinter.h"
 #include "Program.h"
 #include "Support.h"
 
 #include "tools/Descriptor.h"
+#include "tools/Link.h"
 
 #include <arpa/inet.h>
+#include <grp.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <thread>
 
@@ -42,7 +47,45 @@ class ResettingPrinter {
     std::thread thread;
 };
 
+constexpr uid_t kNobody = 65534;
+
+// Root may open everything; somebody else does the test then.
+class NotRoot {
+  public:
+    NotRoot() { EXPECT_TRUE(own != 0 || seteuid(kNobody) == 0); }
+    NotRoot(const NotRoot &) = delete;
+    ~NotRoot() { EXPECT_EQ(seteuid(own), 0); }
+
+  private:
+    const uid_t own = geteuid();
+};
+
+std::string FailureOf(const tool::LinkOptions &options) {
+    try {
+        const tool::Link link(options);
+    } catch (const tool::LinkFailure &failure) {
+        return failure.what();
+    }
+    return "none";
+}
+
 } // namespace
+
+TEST(Link, NamesThePortThatMayNotBeOpenedAndItsGroup) {
+    const SerialPrinter printer;
+    constexpr gid_t kDialout = 20;
+    ASSERT_TRUE(geteuid() != 0 || chown(printer.path.c_str(), kNobody, kDialout) == 0);
+    ASSERT_EQ(chmod(printer.path.c_str(), 0060), 0);
+    struct stat port {};
+    ASSERT_EQ(stat(printer.path.c_str(), &port), 0);
+    const struct group *entry = getgrgid(port.st_gid);
+    const std::string group = entry == nullptr ? std::to_string(port.st_gid) : entry->gr_name;
+    const NotRoot user;
+    EXPECT_EQ(FailureOf({.serial = printer.path}),
+              printer.path +
+                  ": the serial port did not open in 5 attempts: Permission denied; it belongs to group " +
+                  group + ", which \"sudo usermod -aG " + group + " $USER\" adds you to from the next login");
+}
 
 TEST(Link, SaysHowManyBytesWereTakenWhenNotAllWere) {
     std::string text("ControlCommand(\"" + std::string(400000, 'A') + "\", 400000)\n");

@@ -1,10 +1,11 @@
 /*
- * A host on Linux: prints a line, asks the printer for its status and shows the answer, which comes to a handler.
+ * Prints a line, asks the printer for its status and shows the answer, which comes to a handler.
  *
- * usage: host DEVICE        a serial port: /dev/ttyUSB0
- *        host ADDRESS PORT  a printer on the network: 192.0.2.7 9100
+ *     status /dev/ttyUSB0        at 115200 baud
+ *     status 192.0.2.7 9100
  */
-#include "api/NadrelHost.h"
+#include <NadrelHost.h>
+#include <NadrelPrinter.h>
 
 #include <errno.h>
 #include <semaphore.h>
@@ -63,14 +64,14 @@ static int AwaitReply(void) {
 
 int main(int count, char **words) {
     if (count != 2 && count != 3) {
-        fprintf(stderr, "usage: host DEVICE | host ADDRESS PORT\n");
+        fprintf(stderr, "usage: status DEVICE | status ADDRESS PORT\n");
         return 2;
     }
     sem_init(&replied, 0, 0);
     SetNotificationHandler(Handle, NULL);
     const int32_t connected = Connect(count, words);
     if (connected != NADREL_SUCCESS) {
-        fprintf(stderr, "host: the connection failed with %d\n", (int)connected);
+        fprintf(stderr, "status: the connection failed with %d\n", (int)connected);
         return 1;
     }
     Print();
