@@ -1,4 +1,7 @@
 # CPack has the library's package call ldconfig in scripts of its own; Debian's way is to declare that it is wanted.
+if(NOT CPACK_GENERATOR STREQUAL "DEB")
+    return()
+endif()
 foreach(package IN LISTS CPACK_PACKAGE_FILES)
     set(unpacked ${package}.unpacked)
     execute_process(COMMAND dpkg-deb --raw-extract ${package} ${unpacked} COMMAND_ERROR_IS_FATAL ANY)

@@ -1,5 +1,8 @@
 # What Debian wants of the files in a package, done to those that are about to be packed: each package tells of the
 # changes in Debian's form, and changes and manuals are compressed.
+if(NOT CPACK_GENERATOR STREQUAL "DEB")
+    return()
+endif()
 file(READ ${CMAKE_CURRENT_LIST_DIR}/../CHANGELOG.md changes)
 string(REGEX REPLACE ".*\n## ${CPACK_PACKAGE_VERSION}\n" "" changes "${changes}")
 string(REGEX REPLACE "\n## .*" "" changes "${changes}")
