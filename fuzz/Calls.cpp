@@ -17,7 +17,10 @@ constexpr Call kCalls[] = {
 #include "Functions.inc"
 #undef NADREL_FUNCTION
 };
-static_assert(std::size(kCalls) == 83);
+
+// Of the bytes that choose what is done next, those below are calls, as many as there are, then refusals.
+constexpr uint8_t kRefusals = 100;
+static_assert(std::size(kCalls) < kRefusals);
 
 class Calls {
   public:
@@ -50,7 +53,7 @@ class Calls {
         const uint8_t choice = input.Byte();
         if (choice < std::size(kCalls))
             Answered(kCalls[choice]);
-        else if (choice < 100)
+        else if (choice < kRefusals)
             Refuse();
         else if (choice < 120)
             ReceiveReply();
