@@ -2,6 +2,8 @@
 
 import os
 import re
+import struct
+import subprocess
 import tempfile
 import unittest
 from pathlib import Path
@@ -11,20 +13,35 @@ import header
 import markdown
 import nadrel
 from peer import Peer
+from virtual_printer import PROGRAM
 
 DOCUMENT = markdown.ROOT / "docs" / "commands.md"
 ANY_NUMBER = {"text", "name", "data", "bytes", "digits", "dots", "tokens", "zeros", "commands"}
 PAGE_ONLY = "Page mode only"
 CONNECTIONS = "Connections"
 END = b"<end of the example>"
+NAME_COLUMN = 59  # of a listing
+NOT_DECODED = re.compile(rf"^.{{{NAME_COLUMN}}}(unknown|incomplete)\b", re.MULTILINE)
 
-# 8 x 2, 1 bit a pixel, stored from the bottom up.
-LOGO = bytes.fromhex(
-    "42 4D 46 00 00 00 00 00 00 00 3E 00 00 00"
-    "28 00 00 00 08 00 00 00 02 00 00 00 01 00 01 00 00 00 00 00 08 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00"
-    "00 00 00 00 00 00 00 00 FF FF FF 00"
-    "0F 00 00 00 A5 00 00 00"
-)
+
+def bitmap(*lines: int) -> bytes:
+    """A bitmap file of 8 dots a line, from the top, 1 bit a pixel."""
+    rows = b"".join(bytes([line, 0, 0, 0]) for line in reversed(lines))
+    file_header = struct.pack("<2sIII", b"BM", 62 + len(rows), 0, 62)
+    information = struct.pack("<IiiHHIIiiII", 40, 8, len(lines), 1, 1, 0, len(rows), 0, 0, 0, 0)
+    return file_header + information + bytes.fromhex("00 00 00 00 FF FF FF 00") + rows
+
+
+PICTURES = {"logo.bmp": bitmap(0xA5, 0x0F), "band.bmp": bitmap(0xA5, *[0xFF] * 23)}
+
+
+def listed(sent: bytes) -> str:
+    """The virtual printer's listing of what it is sent."""
+    with tempfile.NamedTemporaryFile() as captured:
+        captured.write(sent)
+        captured.flush()
+        command = [PROGRAM, "--input", captured.name, "--listing"]
+        return subprocess.run(command, check=True, capture_output=True, text=True).stdout
 
 
 def pattern(text: str) -> re.Pattern[bytes]:
@@ -39,7 +56,7 @@ def pattern(text: str) -> re.Pattern[bytes]:
 
 
 class Commands(unittest.TestCase):
-    tables = list(markdown.tables(DOCUMENT))
+    tables = [(heading, rows) for heading, rows in markdown.tables(DOCUMENT) if "Function" in rows[0]]
 
     def test_every_function_has_one_row_with_the_parameters_of_the_header(self) -> None:
         documented = [markdown.code(row["Function"]) for _, rows in self.tables for row in rows]
@@ -82,18 +99,39 @@ class Commands(unittest.TestCase):
         printer.print_spool()
         return peer.take_until(END)
 
+    def test_the_virtual_printer_knows_every_command_that_is_sent(self) -> None:
+        for row in self.examples():
+            with self.subTest(row["Example"]):
+                commands = listed(calls.bytes_of(uncoded(row["Sends"])))
+                self.assertEqual(commands == "", row["Sends"] == "none")
+                self.assertIsNone(NOT_DECODED.search(commands), commands)
+
+    def test_what_the_virtual_printer_does_not_know_is_found(self) -> None:
+        for sent in (b"\x1bB", b"\x1b@\x1bB\x05", b"text\x1bJ"):
+            self.assertRegex(listed(sent), NOT_DECODED)
+        self.assertNotRegex(listed(b"unknown"), NOT_DECODED)
+
+    def test_whole_bands_are_sent_as_written(self) -> None:
+        (rows,) = [rows for _, rows in markdown.tables(DOCUMENT) if "Calls" in rows[0]]
+        self.assertEqual(len(rows), 2)
+        with Peer() as peer, nadrel.TcpPrinter(peer.host, peer.port) as printer, Folder():
+            for row in rows:
+                sent = self.sent(printer, peer, markdown.code(row["Calls"]), False)
+                self.assertEqual(sent.hex(" "), calls.bytes_of(markdown.code(row["Sends"])).hex(" "))
+
     def examples(self) -> list[dict[str, str]]:
         return [row for _, rows in self.tables for row in rows if row["Example"]]
 
 
 class Folder(tempfile.TemporaryDirectory[str]):
-    """A working folder with the picture of the examples."""
+    """A working folder with the pictures of the examples."""
 
     def __enter__(self) -> str:
         folder = super().__enter__()
         self.before = os.getcwd()
         os.chdir(folder)
-        Path("logo.bmp").write_bytes(LOGO)
+        for name, content in PICTURES.items():
+            Path(name).write_bytes(content)
         return folder
 
     def __exit__(self, *reason: object) -> None:
