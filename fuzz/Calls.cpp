@@ -18,7 +18,7 @@ constexpr Call kCalls[] = {
 #undef NADREL_FUNCTION
 };
 
-// Of the bytes that choose what is done next, those below are calls, as many as there are, then refusals.
+// A byte chooses what is done next: below this it is a call, or a refusal where there is no such call.
 constexpr uint8_t kRefusals = 100;
 static_assert(std::size(kCalls) < kRefusals);
 

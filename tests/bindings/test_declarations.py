@@ -8,6 +8,7 @@ import unittest
 import header
 from nadrel import Printer
 from nadrel import declarations as python
+from nadrel.barcodes import Barcodes
 
 ARGUMENTS = {
     "int32_t": ctypes.c_int32,
@@ -80,6 +81,17 @@ class Declarations(unittest.TestCase):
             named = functions & set(re.findall(r"\w+", inspect.getdoc(method) or ""))
             with self.subTest(name):
                 self.assertLessEqual(called, named)
+
+
+class Docstrings(unittest.TestCase):
+    def test_the_symbologies_are_those_that_the_virtual_printer_knows(self) -> None:
+        source = (header.API.parent / "printer" / "SymbologyTable.h").read_text()
+        kinds = re.search(r"enum class LinearKind .*?{(.*?)}", source, re.DOTALL)
+        assert kinds
+        known = {int(number): name.lower() for name, number in re.findall(r"(\w+) = (\d+),", kinds[1])}
+        told = re.findall(r"(\d\d) ([A-Z][^,.]*)[,.]", inspect.getdoc(Barcodes) or "")
+        self.assertEqual({int(n): re.sub(r"\W", "", name).lower() for n, name in told}, known)
+        self.assertEqual(len(known), 9)
 
 
 class Utf16(unittest.TestCase):

@@ -159,14 +159,23 @@ class Errors(unittest.TestCase):
 
     def test_lengths_that_the_library_would_not_tell_from_success(self) -> None:
         with linked(on_tcp) as (_, printer):
-            with self.assertRaisesRegex(ValueError, "1 characters, 8 are expected"):
-                printer.set_terminal_id("1")
-            with self.assertRaisesRegex(ValueError, "2 characters, 8 are expected"):
-                printer.set_payment_req(False, "1", "12", "123456")
+            for identifier, units in (("1", 1), ("1234567\U0001f600", 9), ("\ud83d\ude00", 2)):
+                with self.assertRaisesRegex(ValueError, f"{units} UTF-16 units, 8 are expected"):
+                    printer.set_terminal_id(identifier)
+            for second, units in (("12", 2), ("2026112\U0001f600", 9)):
+                with self.assertRaisesRegex(ValueError, f"{units} UTF-16 units, 8 are expected"):
+                    printer.set_payment_req(False, "1", second, "123456")
             self.assertEqual(
                 self.failure(lambda: printer.set_payment_req(False, "1", "20261121", "12"))[:2],
                 ("SetPaymentReq", -4),
             )
+
+    def test_a_character_of_two_units_counts_as_two(self) -> None:
+        with Peer() as peer, TcpPrinter(peer.host, peer.port) as printer:
+            printer.set_terminal_id("123456\U0001f600")
+            self.assertEqual(peer.take(10), b"\x1bm123456\x3d\x00")
+            printer.set_payment_req(False, "", "202611\U0001f600", "000000")
+            self.assertEqual(peer.take(16), b"\x1bn" + bytes(7) + b"\x20\x26\x11\xd0" + bytes(3))
 
     def test_a_code_page_that_is_unknown(self) -> None:
         with linked(on_tcp) as (_, printer):
@@ -190,6 +199,29 @@ class Handlers(unittest.TestCase):
             self.ask(printer, peer, b"SECOND ANSWER")
             second = told.get(timeout=PATIENCE)
         self.assertEqual((first.data, second.data), (b"first answer", b"SECOND ANSWER"))
+
+    def test_a_handler_is_told_what_comes_while_connecting(self) -> None:
+        told: queue.Queue[Notification] = queue.Queue()
+        with Peer() as peer, TcpPrinter(peer.host, peer.port, framed=True, handler=told.put):
+            self.assertEqual(told.get(timeout=PATIENCE), Notification(Kind.STATUS, status=0x40))
+
+    def test_the_handler_of_a_refused_connect_leaves_that_of_the_open_printer(self) -> None:
+        told: queue.Queue[Notification] = queue.Queue()
+        other: queue.Queue[Notification] = queue.Queue()
+        with Peer() as peer, TcpPrinter(peer.host, peer.port, handler=told.put) as printer:
+            with self.assertRaises(PrinterError):
+                TcpPrinter(peer.host, peer.port, handler=other.put)
+            self.ask(printer, peer, b"answer")
+            self.assertEqual(told.get(timeout=PATIENCE), Notification(Kind.REPLY, b"answer"))
+        self.assertTrue(other.empty())
+
+    def test_the_handler_of_a_connect_that_failed_is_gone(self) -> None:
+        with VirtualPrinter("--silent") as virtual:
+            with self.assertRaises(PrinterError):
+                TcpPrinter(virtual.host, virtual.port, framed=True, handler=lambda _: None)
+        dispatcher = nadrel.load().dispatcher
+        assert dispatcher
+        self.assertIsNone(dispatcher.handler)
 
     def ask(self, printer: Printer, peer: Peer, answer: bytes) -> None:
         printer.get_printer_model_name()

@@ -15,11 +15,13 @@ class CardReaders(Calls):
         self._result("CancelMSRMode")
 
     def card_read(self, flag: bool) -> None:
-        """Read a card (C: CardRead)."""
+        """End a card read and begin one like enter_msr_mode(1), or with False like enter_msr_mode(0)
+        (C: CardRead)."""
         self._result("CardRead", flag)
 
     def card_read_m(self, flag: bool) -> None:
-        """Read a card with the other command (C: CardRead_M)."""
+        """Read a card with the other command, 02 and a letter: with True C, with False D, which is the
+        reverse of card_read (C: CardRead_M)."""
         self._result("CardRead_M", flag)
 
     def card_cancel(self) -> None:

@@ -3,6 +3,8 @@
 import os
 import warnings
 import weakref
+from collections.abc import Iterator
+from contextlib import contextmanager
 from enum import IntEnum
 from types import TracebackType
 from typing import Self
@@ -57,10 +59,26 @@ class Printer(Spool, Text, PageMode, Barcodes, Macros, TrueType, Raster, Status,
             self._dispatcher()
 
     def _connect(self, function: str, *arguments: object) -> None:
-        check(function, getattr(self.functions, function)(*arguments))
+        with self._handler_while_connecting():
+            check(function, getattr(self.functions, function)(*arguments))
         self._open = True
         if self._handler is not None:
             self.set_notification_handler(self._handler)
+
+    @contextmanager
+    def _handler_while_connecting(self) -> Iterator[None]:
+        """The printer may answer before the connect returns. A handler that is already there belongs to a
+        printer that is open, so that this connect will be refused."""
+        dispatcher = self._library.dispatcher
+        if self._handler is None or dispatcher is None or dispatcher.handler is not None:
+            yield
+            return
+        dispatcher.handler = self._handler
+        try:
+            yield
+        except BaseException:
+            dispatcher.handler = None
+            raise
 
     def __enter__(self) -> Self:
         return self
@@ -147,8 +165,8 @@ class SerialPrinter(Printer):
         open_timeout_ms: milliseconds to go on trying, an attempt every 200 (C: ConnectSerialPrinter, and
         ConnectSerialPrinterEx for other line settings than 8 bits, no parity, one stop bit, which takes an
         ASCII path); None: one attempt at once (C: InitPrinter, for those settings only). framed: use the
-        framed form, which the printer must answer. handler: see set_notification_handler. library: the
-        library's file, see load.
+        framed form, which the printer must answer. handler: see set_notification_handler; it is also told
+        what comes while the link is being opened. library: the library's file, see load.
         """
         super().__init__(library, handler)
         usual = (byte_size, stop_bits, parity) == (8, StopBits.ONE, Parity.NONE)

@@ -5,6 +5,11 @@ from ctypes import c_char_p, c_int32, c_ssize_t, c_uint8, c_uint32, c_uint64, c_
 from typing import Any
 
 
+def utf16(text: str) -> bytes:
+    """The text in 16-bit units; a lone surrogate is one of them."""
+    return text.encode("utf-16-le", "surrogatepass")
+
+
 class Utf16:
     """An argument that is zero-terminated text in 16-bit units: char16_t on Linux, wchar_t on Windows."""
 
@@ -17,7 +22,7 @@ class Utf16:
             raise TypeError(f"text is expected, not {type(text).__name__}")
         if "\0" in text:
             raise ValueError("the text holds a null character, at which the library would end it")
-        return ctypes.create_string_buffer(text.encode("utf-16-le", "surrogatepass") + b"\0")
+        return ctypes.create_string_buffer(utf16(text) + b"\0")
 
 
 class LinkReport(ctypes.Structure):
