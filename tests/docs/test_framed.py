@@ -12,10 +12,10 @@ DOCUMENT = markdown.ROOT / "docs" / "framed.md"
 PATIENCE_MS = 30000
 
 
-def documented_frame() -> Callable[[bytes], bytes]:
+def documented_frame() -> Callable[..., bytes]:
     """The function that the document shows."""
     (block,) = [block for block in markdown.code_blocks(DOCUMENT) if block.language == "python"]
-    names: dict[str, Callable[[bytes], bytes]] = {}
+    names: dict[str, Callable[..., bytes]] = {}
     exec("\n".join(block.lines), names)
     return names["frame"]
 
@@ -59,6 +59,21 @@ class Framed(unittest.TestCase):
                 self.printer.print_spool()
                 expected = frame(payload)
                 self.assertEqual(self.peer.take(len(expected)), expected)
+
+    def test_what_a_refused_run_of_text_leaves_counts_in_the_check_value(self) -> None:
+        frame = documented_frame()
+        for payload in (b"x" * 9990, b"y" * 9991):
+            with self.subTest(len(payload)):
+                self.printer.append(payload)
+                with self.assertRaisesRegex(nadrel.PrinterError, "-12"):
+                    self.printer.append_run("too long", 0, True)
+                for behind in (b"\x1d!\x00\x1bE\x01", b""):
+                    expected = frame(payload, behind)
+                    self.printer.print_spool()
+                    self.assertEqual(self.peer.take(len(expected)), expected)
+                    self.printer.append(payload)
+                self.printer.clear_spool()
+                self.assertNotEqual(frame(payload), frame(payload, b"\x1d!"))
 
     def test_status_queries_send_the_query_frame(self) -> None:
         for query in (self.printer.get_printer_status, self.printer.get_printer_status_ex):

@@ -1,6 +1,8 @@
 """docs/replies.md: its examples are told as it says."""
 
+import queue
 import unittest
+from unittest.mock import patch
 
 import calls
 import markdown
@@ -9,7 +11,8 @@ from nadrel import Kind, Notification
 from peer import QUERY_FRAME, Peer
 
 DOCUMENT = markdown.ROOT / "docs" / "replies.md"
-PATIENCE_MS = 30000
+PATIENCE = 30  # seconds
+PATIENCE_MS = PATIENCE * 1000
 
 
 def number_of(kind: str) -> int:
@@ -49,6 +52,23 @@ class Replies(unittest.TestCase):
             self.assertEqual(peer.take(len(QUERY_FRAME)), QUERY_FRAME)
         peer.answers_queries = False
         return printer
+
+    def test_a_reply_without_an_address_is_told_with_the_length_of_the_last_one(self) -> None:
+        sentence = "`length` is still that of the last reply with kind `D` or `T`, or `S` on a plain link"
+        self.assertIn(sentence, " ".join(DOCUMENT.read_text().split()))
+        told: queue.Queue[tuple[int, int]] = queue.Queue()  # kind, length
+
+        def note(w_param: int, l_param: int) -> Notification:
+            told.put((w_param >> 16, w_param & 0xFFFF))
+            return Notification(w_param >> 16)
+
+        with patch.object(Notification, "from_message", note), Peer() as peer, self.connected(peer, True):
+            self.assertEqual(told.get(timeout=PATIENCE), (Kind.STATUS, 0))
+            replies = ((b"\x06", 0x06, 0), (b"DVP-58", Kind.REPLY, 6))
+            later = tuple((bytes([kind]), kind, 6) for kind in (0x06, 0x15, 0x18, 0x03, 0x04))
+            for reply, kind, length in (*replies, *later, (b"S\x40", Kind.STATUS, 6)):
+                peer.send(b"\xc0" + reply)
+                self.assertEqual(told.get(timeout=PATIENCE), (kind, length))
 
     def test_the_kinds_are_those_that_the_python_package_knows(self) -> None:
         (kinds,) = [rows for heading, rows in self.tables.items() if heading == "What the printer says"]
