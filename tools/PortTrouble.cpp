@@ -14,6 +14,7 @@ namespace tool {
 namespace {
 
 constexpr mode_t kGroupMayUse = S_IRGRP | S_IWGRP;
+constexpr gid_t kRootsGroup = 0;
 
 std::string GroupName(gid_t group) {
     const struct group *entry = getgrgid(group);
@@ -26,6 +27,8 @@ std::string WhoMayUse(const std::string &path) {
         return {};
     if ((file.st_mode & kGroupMayUse) != kGroupMayUse)
         return "; only its owner may use it";
+    if (file.st_gid == kRootsGroup)
+        return "; only its owner and the group root may use it";
     const std::string group = GroupName(file.st_gid);
     return "; it belongs to group " + group + ", which \"sudo usermod -aG " + group +
            " $USER\" adds you to from the next login";

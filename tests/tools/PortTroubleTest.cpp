@@ -16,11 +16,16 @@ using tool::TryPort;
 
 namespace {
 
-// A file with the given mode that is gone with its owner.
+constexpr gid_t kOrdinaryGroup = 20;
+
+// A file with the given mode, and a group other than root's, that is gone with its owner.
 struct DeviceFile {
     explicit DeviceFile(mode_t mode) {
         const int fd = open(path.c_str(), O_CREAT | O_RDWR | O_TRUNC, 0600);
         EXPECT_NE(fd, -1);
+        if (getegid() == 0) {
+            EXPECT_EQ(fchown(fd, static_cast<uid_t>(-1), kOrdinaryGroup), 0);
+        }
         EXPECT_EQ(fchmod(fd, mode), 0);
         close(fd);
     }
@@ -46,6 +51,15 @@ TEST(PortTrouble, NamesTheGroupThatMayUseADevice) {
 TEST(PortTrouble, NamesNoGroupThatMayNotUseTheDeviceEither) {
     const DeviceFile file(0600);
     EXPECT_EQ(PortTrouble(file.path, EACCES), "Permission denied; only its owner may use it");
+}
+
+TEST(PortTrouble, AdvisesNobodyToJoinTheGroupOfRoot) {
+    struct stat status {};
+    ASSERT_EQ(stat("/dev/null", &status), 0);
+    ASSERT_EQ(status.st_gid, 0u);
+    ASSERT_EQ(status.st_mode & (S_IRGRP | S_IWGRP), mode_t{S_IRGRP | S_IWGRP});
+    EXPECT_EQ(PortTrouble("/dev/null", EACCES),
+              "Permission denied; only its owner and the group root may use it");
 }
 
 TEST(PortTrouble, IsTheSystemsReason) {
