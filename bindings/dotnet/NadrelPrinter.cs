@@ -7,9 +7,11 @@
 //     NadrelPrinter.PrintSpool(1);
 //     NadrelPrinter.ClosePrinter();
 //
-// Text is UTF-16 on every system. The library is found by its name, libnadrelprinter.so or NADRELPRINTER.dll, where
-// the system looks for libraries. A delegate that is set as notification handler has to be kept alive by the host for
-// as long as it is set, and the reply's bytes have to be copied (Marshal.Copy) within it.
+// Text is UTF-16 on every system. The library is found by its name, libnadrelprinter.so or NADRELPRINTER.dll,
+// beside the program or where the system looks for libraries. On Debian libnadrelprinter-dev installs that
+// name; where there is libnadrelprinter1 alone, a link beside the program does. A delegate that is set as
+// notification handler has to be kept alive by the host for as long as it is set, and the reply's bytes have
+// to be copied (Marshal.Copy) within it.
 
 using System;
 using System.Runtime.InteropServices;

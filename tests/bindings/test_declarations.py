@@ -56,14 +56,22 @@ class Declarations(unittest.TestCase):
         self.assertEqual(python.LinkReport._fields_, [(f.name, FIELDS[f.type]) for f in fields])
 
     def test_the_notification_handler_takes_what_the_header_says(self) -> None:
-        text = (header.API / "NadrelHost.h").read_text()
-        handler = re.search(r"typedef void \(\*NadrelNotificationHandler\)\(([^)]*)\)", text)
-        assert handler
-        self.assertEqual(handler[1], "uint32_t message, uint32_t wParam, intptr_t lParam, void *context")
+        (handler,) = header.definitions("NadrelHost.h", "NadrelNotificationHandler")
+        arguments = "(uint32_t message, uint32_t wParam, intptr_t lParam, void *context)"
+        self.assertEqual(handler, "void (*NadrelNotificationHandler)" + arguments)
         expected = (ctypes.c_uint32, ctypes.c_uint32, ctypes.c_ssize_t, ctypes.c_void_p)
         self.assertEqual(getattr(python.NotificationHandler, "_argtypes_"), expected)
         self.assertIsNone(getattr(python.NotificationHandler, "_restype_"))
         self.assertEqual(ctypes.sizeof(ctypes.c_ssize_t), ctypes.sizeof(ctypes.c_void_p))
+
+    def test_text_and_handles_are_what_the_header_says(self) -> None:
+        units = ("char16_t", "wchar_t", "char16_t", "char16_t")  # the second on Windows, of 16 bits there
+        written = [f"{unit} NadrelChar" for unit in units]
+        self.assertEqual(header.definitions("NadrelPrinter.h", "NadrelChar"), written)
+        self.assertEqual(header.definitions("NadrelPrinter.h", "NadrelHandle"), ["intptr_t NadrelHandle"])
+        conventions = ["__cdecl", ""]  # that of CDLL
+        self.assertEqual(header.definitions("NadrelPrinter.h", "NADREL_CALL"), conventions)
+        self.assertIs(python.Handle, ctypes.c_ssize_t)
 
     def test_every_function_is_named_by_the_method_that_calls_it(self) -> None:
         named = []

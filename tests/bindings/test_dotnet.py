@@ -67,7 +67,23 @@ class Dotnet(unittest.TestCase):
                 for (kind, _), parameter in zip(in_dotnet.parameters, function.parameters, strict=True):
                     self.assertIn(kind, ARGUMENTS[parameter.type])
 
+    def test_what_the_headers_own_names_stand_for_is_what_the_declarations_take_them_for(self) -> None:
+        units = ("char16_t", "wchar_t", "char16_t", "char16_t")  # the second on Windows, of 16 bits there
+        for name, meaning in {
+            "NADREL_CALL": ["__cdecl", ""],  # Cdecl
+            "NadrelChar": [f"{unit} NadrelChar" for unit in units],  # LPWStr
+            "NadrelHandle": ["intptr_t NadrelHandle"],  # IntPtr
+            "NADREL_INVALID_HANDLE": ["((NadrelHandle)-1)"],
+        }.items():
+            self.assertEqual(header.definitions("NadrelPrinter.h", name), meaning)
+        self.assertIn("IntPtr NADREL_INVALID_HANDLE = new IntPtr(-1);", SOURCE)
+
     def test_the_handler_is_the_one_of_the_header(self) -> None:
+        handler = "(uint32_t message, uint32_t wParam, intptr_t lParam, void *context)"
+        self.assertEqual(
+            header.definitions("NadrelHost.h", "NadrelNotificationHandler"),
+            ["void (*NadrelNotificationHandler)" + handler],
+        )
         self.assertIn(
             "[UnmanagedFunctionPointer(CallingConvention.Cdecl)]\n    public delegate void "
             "NotificationHandler(uint message, uint wParam, IntPtr lParam, IntPtr context);",
