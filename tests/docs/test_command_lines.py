@@ -88,7 +88,7 @@ class Jobs(unittest.TestCase):
     def test_the_code_page_sheet_shows_the_line_that_is_described(self) -> None:
         described = (markdown.ROOT / "docs" / "first-print.md").read_text()
         with Shell() as shell:
-            shell.run("nadrel run docs/codepages.job --serial /dev/ttyUSB0")
+            shell.run("nadrel run examples/codepages.job --serial /dev/ttyUSB0")
             self.assertIn("code table 16, Windows-1252", shell.printed)
             self.assertIn('"€‚‡œ£¤ÄÖÜäéñöü"', shell.printed.replace("16: ", ""))
         self.assertIn("`ÄÖÜäéñöü`", described)
