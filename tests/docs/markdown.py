@@ -50,6 +50,30 @@ def code_blocks(document: Path) -> Iterator[Block]:
             number += 1
 
 
+_SPAN = re.compile(r"(`+)((?:(?!\n\n).)+?)\1(?!`)", re.DOTALL)
+
+
+def code_spans(document: Path) -> Iterator[tuple[int, str]]:
+    """The pieces of code in backticks within the text of a document, each with its line, from 1."""
+    lines = document.read_text().splitlines()
+    for block in code_blocks(document):
+        lines[block.line - 1 : block.line - 1 + len(block.lines)] = [""] * len(block.lines)
+    text = "\n".join("" if line.startswith("```") else line for line in lines)
+    for span in _SPAN.finditer(text):
+        yield text.count("\n", 0, span.start()) + 1, " ".join(span[2].split())
+
+
+_ROFF = {r"\-": "-", r"\e": "\\", r"\(aq": "'", r"\('e": "é", r"\(`e": "è", r"\(Eu": "€"}
+
+
+def manual_blocks(page: Path) -> Iterator[Block]:
+    """The examples of a manual page, in its order, as they are shown."""
+    text = page.read_text()
+    for example in re.finditer(r"^\.EX\n(.*?)^\.EE$", text, re.DOTALL | re.MULTILINE):
+        shown = re.sub(r"\\(?:\(..|.)", lambda escape: _ROFF[escape[0]], example[1])
+        yield Block(page, text.count("\n", 0, example.start(1)) + 1, "", tuple(shown.splitlines()))
+
+
 def _begins_indented(lines: list[str], number: int) -> bool:
     return lines[number].startswith("    ") and (number == 0 or not lines[number - 1].strip())
 

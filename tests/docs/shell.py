@@ -16,6 +16,7 @@ from virtual_printer import VirtualPrinter
 PROGRAMS = Path(os.environ.get("NADREL_PROGRAMS", "."))  # the folder that nadrel and nadrel-printer are in
 _PATIENCE = 120  # seconds
 _NOT_LINKED = {"build", ".git"}
+_SET_FOR_TESTS = {"NADREL_LIBRARY", "PYTHONPATH"}
 
 
 class Background:
@@ -70,6 +71,8 @@ class Shell:
             "/dev/ttyUSB0": self._printer.serial,
             "192.0.2.7:9100": f"{self._printer.host}:{self._printer.port}",
             "9101": str(_free_port()),
+            "/usr/share/doc/nadrel-tools/examples": "examples",
+            "/usr/lib/x86_64-linux-gnu": str(PROGRAMS),
         }
         self._link_the_project()
         return self
@@ -128,8 +131,15 @@ class Shell:
         return ended.stdout
 
     def _environment(self) -> dict[str, str]:
-        path = f"{PROGRAMS}:{os.environ['PATH']}"
-        return {**os.environ, "PATH": path, "LD_LIBRARY_PATH": str(PROGRAMS)}
+        """That of somebody who has the programs and the library, installs into the folder, and has set nothing."""
+        inherited = {name: value for name, value in os.environ.items() if name not in _SET_FOR_TESTS}
+        return {
+            **inherited,
+            "PATH": f"{PROGRAMS}:{os.environ['PATH']}",
+            "LD_LIBRARY_PATH": str(PROGRAMS),
+            "PKG_CONFIG_PATH": str(PROGRAMS),
+            "DESTDIR": str(self.folder / "installed"),
+        }
 
     def _link_the_project(self) -> None:
         for entry in markdown.ROOT.iterdir():

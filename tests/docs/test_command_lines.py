@@ -1,23 +1,30 @@
 """Every command line, program and job in the documents works."""
 
-import sys
 import unittest
+from collections.abc import Iterator
 from pathlib import Path
 
 import markdown
-from commandlines import NOT_RUN, command_lines, kind_of, manual_lines
+from commandlines import NOT_RUN, STEP, command_lines, inline_command_lines, kind_of
 from shell import PROGRAMS, Shell
 
 MANUALS = sorted((markdown.ROOT / "docs" / "man").glob("*.1"))
 
+# The files that the command lines take programs for, by the programs' languages.
+FILES = {"c": "host.c", "csharp": "Host.cs", "python": "program.py"}
+
+
+def blocks_of(document: Path) -> Iterator[markdown.Block]:
+    return markdown.manual_blocks(document) if document in MANUALS else markdown.code_blocks(document)
+
 
 def blocks(kind: str) -> list[markdown.Block]:
-    found = (block for document in markdown.documents() for block in markdown.code_blocks(document))
+    found = (block for document in (*markdown.documents(), *MANUALS) for block in blocks_of(document))
     return [block for block in found if kind_of(block) == kind]
 
 
 def lines_of(document: Path) -> list[str]:
-    commands = (block for block in markdown.code_blocks(document) if kind_of(block) == "commands")
+    commands = (block for block in blocks_of(document) if kind_of(block) == "commands")
     return [line for block in commands for line in command_lines(block)]
 
 
@@ -25,31 +32,41 @@ class CommandLines(unittest.TestCase):
     def test_every_command_line_of_the_documents_succeeds(self) -> None:
         for document in markdown.documents():
             with self.subTest(document.name), Shell() as shell:
-                self.run_document(shell, list(markdown.code_blocks(document)))
-
-    def run_document(self, shell: Shell, found: list[markdown.Block]) -> None:
-        for block in found:
-            if kind_of(block) == "c":
-                shell.write("host.c", block)
-            for line in command_lines(block) if kind_of(block) == "commands" else ():
-                with self.subTest(block.place, line=line):
-                    if line not in NOT_RUN:
-                        shell.run(line)
-            shell.end_block()
+                self.run_blocks(shell, document)
+                for line in inline_command_lines(document):
+                    self.run_line(shell, document.name, line)
 
     def test_every_command_line_of_the_manual_pages_succeeds(self) -> None:
         self.assertEqual([page.name for page in MANUALS], ["nadrel-printer.1", "nadrel.1"])
         for page in MANUALS:
-            lines = list(manual_lines(page))
-            self.assertGreater(len(lines), 2)
+            self.assertGreater(len(lines_of(page)), 2)
             with Shell() as shell:
-                for line in lines:
-                    with self.subTest(page.name, line=line):
-                        shell.run(line)
+                self.run_blocks(shell, page)
+
+    def run_blocks(self, shell: Shell, document: Path) -> None:
+        for block in blocks_of(document):
+            kind = kind_of(block)
+            if kind in FILES:
+                shell.write(FILES[kind], block)
+            for line in command_lines(block) if kind == "commands" else ():
+                self.run_line(shell, block.place, line)
+            shell.end_block()
+
+    def run_line(self, shell: Shell, place: str, line: str) -> None:
+        with self.subTest(place, line=line):
+            if line not in NOT_RUN:
+                shell.run(line)
 
     def test_what_is_not_run_stands_in_a_document(self) -> None:
-        written = {line for document in markdown.documents() for line in lines_of(document)}
+        found = markdown.documents()
+        written = {line for document in found for line in (*lines_of(document), *inline_command_lines(document))}
         self.assertLessEqual(set(NOT_RUN), written)
+
+    def test_what_is_run_by_steps_is_a_step(self) -> None:
+        steps = (markdown.ROOT / ".ci" / "run").read_text().splitlines()
+        for line, reason in NOT_RUN.items():
+            if reason == STEP:
+                self.assertIn(line, steps)
 
 
 class Programs(unittest.TestCase):
@@ -63,22 +80,31 @@ class Programs(unittest.TestCase):
             shell.run("./a.out")
             self.assertIn('"Thank you"', shell.printed)
 
-    def test_every_python_program_runs(self) -> None:
-        found = blocks("python")
-        self.assertGreater(len(found), 1)
-        for block in found:
+    def test_every_other_program_has_a_line_that_takes_it_or_runs_alone(self) -> None:
+        for block in (block for kind in FILES for block in blocks(kind)):
+            file = FILES[kind_of(block)]
+            if any(file in line for line in lines_of(block.document)):
+                continue
             with self.subTest(block.place), Shell() as shell:
-                shell.write("program.py", block)
-                said = shell.run(f"{sys.executable} program.py")
-                if "SerialPrinter" in "".join(block.lines):
-                    self.assertIn("status=64", said)
-                    self.assertIn('"Thank you"', shell.printed)
+                shell.write(file, block)
+                shell.run(f"python3 {file}")
+
+    def test_the_programs_of_the_bindings_print_and_are_told_the_status(self) -> None:
+        for folder, status in (("python", "status=64"), ("dotnet", "status 40")):
+            readme = markdown.ROOT / "bindings" / folder / "README.md"
+            (program,) = [block for block in markdown.code_blocks(readme) if kind_of(block) in FILES]
+            with self.subTest(folder), Shell() as shell:
+                shell.write(FILES[kind_of(program)], program)
+                said = [shell.run(line) for line in lines_of(readme)]
+                self.assertIn(status, said[-1])
+                self.assertIn('"Thank you"', shell.printed)
 
 
 class Jobs(unittest.TestCase):
     def test_every_job_is_one_that_nadrel_runs(self) -> None:
         found = blocks("job")
-        self.assertGreater(len(found), 1)
+        self.assertIn("nadrel.1", [block.document.name for block in found])
+        self.assertGreater(len(found), 2)
         for block in found:
             with self.subTest(block.place), Shell() as shell:
                 shell.write("documented.job", block)
