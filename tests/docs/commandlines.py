@@ -1,4 +1,4 @@
-"""Which lines and which code within the text of the documents are command lines, and which of them are not run."""
+"""Which lines and pieces of code in the documents are command lines, and which of them are not run."""
 
 import os
 import re
@@ -17,7 +17,7 @@ NOT_RUN = {
     "./dev format": "changes the sources; ./dev format-check, a step of .ci/run, says whether it would",
     "./dev package": STEP,
     "./dev package linux-armhf": STEP,
-    "./dev sizes": "builds for three machines; on each, Library.HasTheSizeInTheTable runs the script that it runs",
+    "./dev sizes": "builds for three machines; on each Library.HasTheSizeInTheTable runs its script",
     "./dev test": STEP,
     "./dev windows": STEP,
     "sudo usermod -aG dialout $USER": "needs root and changes the user's groups",

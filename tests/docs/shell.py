@@ -131,7 +131,7 @@ class Shell:
         return ended.stdout
 
     def _environment(self) -> dict[str, str]:
-        """That of somebody who has the programs and the library, installs into the folder, and has set nothing."""
+        """That of somebody who has the programs and the library and installs into the folder."""
         inherited = {name: value for name, value in os.environ.items() if name not in _SET_FOR_TESTS}
         return {
             **inherited,

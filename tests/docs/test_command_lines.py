@@ -58,8 +58,9 @@ class CommandLines(unittest.TestCase):
                 shell.run(line)
 
     def test_what_is_not_run_stands_in_a_document(self) -> None:
-        found = markdown.documents()
-        written = {line for document in found for line in (*lines_of(document), *inline_command_lines(document))}
+        written: set[str] = set()
+        for document in markdown.documents():
+            written.update(lines_of(document), inline_command_lines(document))
         self.assertLessEqual(set(NOT_RUN), written)
 
     def test_what_is_run_by_steps_is_a_step(self) -> None:
