@@ -107,7 +107,7 @@ class Commands(unittest.TestCase):
                 self.assertIsNone(NOT_DECODED.search(commands), commands)
 
     def test_what_the_virtual_printer_does_not_know_is_found(self) -> None:
-        for sent in (b"\x1bB", b"\x1b@\x1bB\x05", b"text\x1bJ"):
+        for sent in (b"\x1f", b"\x1b@\x1b\x1fA", b"text\x1bJ"):
             self.assertRegex(listed(sent), NOT_DECODED)
         self.assertNotRegex(listed(b"unknown"), NOT_DECODED)
 
