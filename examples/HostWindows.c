@@ -5,7 +5,9 @@
  * usage: host PORT          a serial port: COM3
  *        host ADDRESS PORT  a printer on the network: 192.0.2.7 9100
  */
-#include "api/NadrelPrinter.h"
+#define WIN32_LEAN_AND_MEAN 1 /* windows.h without its own ClosePrinter */
+
+#include <NadrelPrinter.h>
 
 #include <stdio.h>
 #include <stdlib.h>
