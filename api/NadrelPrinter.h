@@ -63,8 +63,8 @@
 #include <stdint.h>
 
 /*
- * On Windows: <windows.h> declares a ClosePrinter of another library unless WIN32_LEAN_AND_MEAN is defined before
- * it; link this library before winspool.lib.
+ * On Windows: <windows.h> declares a ClosePrinter of another library unless WIN32_LEAN_AND_MEAN is defined
+ * before it; link this library before winspool.lib.
  */
 #ifdef _WIN32
 #ifdef NADREL_BUILDING

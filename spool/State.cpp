@@ -2,6 +2,10 @@
 
 namespace nadrel {
 
+constinit SpoolStorage LargeBuffers::spool;
+constinit SpoolStorage LargeBuffers::frame;
+constinit ConversionStorage LargeBuffers::conversion;
+
 void ResetLinkState() {
     SerialPortHandle = platform::kInvalidPort;
     SpoolBuffer.Clear();

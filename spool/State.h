@@ -50,16 +50,24 @@ class SharedWord {
 
 using SharedFlag = SharedWord<int32_t>;
 
+// The large ones, defined in State.cpp: on Windows, what a header defines takes room in the library's file,
+// zeros too. Hidden, so that the library reaches them without asking a table where they are.
+struct [[gnu::visibility("hidden")]] LargeBuffers {
+    static SpoolStorage spool;
+    static SpoolStorage frame;
+    static ConversionStorage conversion;
+};
+
 // Spool: the host thread alone.
 
 // Commands waiting to be sent, all zero.
-inline constinit SpoolStorage SpoolBuffer;
+inline constexpr SpoolStorage &SpoolBuffer = LargeBuffers::spool;
 // Where the next command goes.
 inline constinit int32_t SpoolLength = 0;
 // What PrintSpool assembles for one transmission, all zero.
-inline constinit SpoolStorage FrameBuffer;
+inline constexpr SpoolStorage &FrameBuffer = LargeBuffers::frame;
 // What ConversionBuffer points to while there is one.
-inline constinit ConversionStorage ConversionStore;
+inline constexpr ConversionStorage &ConversionStore = LargeBuffers::conversion;
 // The output of U2A, while a link is open.
 inline constinit SharedWord<ConversionStorage *> ConversionBuffer = nullptr;
 // 1 between SetPageMode and the return to standard mode.

@@ -8,7 +8,8 @@ namespace nadrel {
 
 // `Capacity` bytes between two margins, addressed from -Margin to Capacity + Margin - 1. All are zero until
 // written; the buffer remembers a span that holds all that was written, so that clearing costs what was
-// dirtied and no more. Its initial state is all zero bits: a static one takes no room in the file.
+// dirtied and no more. Its initial state is all zero bits: a static one that a source file defines takes no
+// room in the program's file.
 template <int32_t Capacity, int32_t Margin>
 class TrackedBuffer {
   public:
