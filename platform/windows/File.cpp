@@ -1,5 +1,6 @@
 #include "platform/File.h"
 
+#include "platform/windows/FileName.h"
 #include "platform/windows/LastError.h"
 #include "platform/windows/WideText.h"
 
@@ -11,6 +12,17 @@ namespace {
 
 HANDLE Of(intptr_t handle) {
     return reinterpret_cast<HANDLE>(handle);
+}
+
+// Opening alone can do something to a device, or let go a program that waits at the other end of a pipe.
+bool MayOpen(const char16_t *name, FileUse use) {
+    if (!NamesAFile(name))
+        return Fail(ERROR_BAD_FILE_TYPE);
+    const DWORD attributes = GetFileAttributesW(Wide(name));
+    if (attributes == INVALID_FILE_ATTRIBUTES)
+        return use == FileUse::rewrite && GetLastError() == ERROR_FILE_NOT_FOUND;
+    return (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) == 0 ||
+           Fail(ERROR_BAD_FILE_TYPE);
 }
 
 HANDLE OpenNamed(const char16_t *name, FileUse use) {
@@ -28,6 +40,8 @@ File::~File() {
 
 bool File::Open(const char16_t *name, FileUse use) {
     Close();
+    if (!MayOpen(name, use))
+        return false;
     const HANDLE opened = OpenNamed(name, use);
     handle = reinterpret_cast<intptr_t>(opened);
     if (opened == INVALID_HANDLE_VALUE)

@@ -2,8 +2,11 @@
 
 #include "tests/windows/OnWindows.h"
 
+#include <fcntl.h>
 #include <fstream>
 #include <random>
+#include <sys/stat.h>
+#include <thread>
 
 namespace hosts {
 namespace {
@@ -85,6 +88,59 @@ INSTANTIATE_TEST_SUITE_P(, Picture,
                          testing::Values(Shape{8, 1, 1}, Shape{383, 49, 1}, Shape{1, 1, 24},
                                          Shape{384, 100, 24}, Shape{101, 24, 24}),
                          testing::PrintToStringParamName());
+
+// A pipe that a thread wants to write into, which waits until somebody opens it to read.
+class WatchedPipe {
+  public:
+    explicit WatchedPipe(std::string path) : name(std::move(path)) {
+        if (mkfifo(name.c_str(), 0600) != 0)
+            throw std::runtime_error("no pipe " + name);
+        writer = std::thread([this] {
+            isWaiting = true;
+            close(open(name.c_str(), O_WRONLY));
+            isOpened = true;
+        });
+        Eventually([this] { return isWaiting.load(); });
+    }
+    ~WatchedPipe() {
+        const int reader = open(name.c_str(), O_RDONLY | O_NONBLOCK);
+        writer.join();
+        close(reader);
+    }
+
+    std::string Name() const { return name; }
+    bool IsOpened() const { return isOpened; }
+
+  private:
+    const std::string name;
+    std::atomic<bool> isWaiting = false;
+    std::atomic<bool> isOpened = false;
+    std::thread writer;
+};
+
+class PictureName : public OnWindows, public testing::WithParamInterface<std::string> {
+  protected:
+    PictureName() : pipe(folder.Path() / "pipe"), peer(Medium::tcp) { PortName(pipe.Name()); }
+
+    // With the pipe's own name in place of PIPE.
+    std::string Name() const { return GetParam() == "PIPE" ? "Z:" + pipe.Name() : GetParam(); }
+
+    WatchedPipe pipe;
+    RawPeer peer;
+};
+
+TEST_P(PictureName, OfAPortOrPipeOpensNothing) {
+    CallingHost host = StartHost();
+    host.Connect(Wlan(peer.TcpPort()));
+    EXPECT_EQ(host.Ask("BmpSaveSpool(" + Quoted(Name()) + ", 3, 4)"),
+              host.Ask("BmpSaveSpool(\"none.bmp\", 3, 4)"));
+    host.Ask("CompressedBmpSaveSpool(" + Quoted(Name()) + ")");
+    EXPECT_FALSE(pipe.IsOpened());
+}
+
+INSTANTIATE_TEST_SUITE_P(, PictureName,
+                         testing::Values("PIPE", "COM1", "com1:", R"(\\.\COM1)", R"(\\?\COM1)", "//./COM1"),
+                         [](const auto &test) { return "Number" + std::to_string(test.index + 1); });
 
 } // namespace
 } // namespace hosts
