@@ -1,12 +1,12 @@
 #pragma once
 
 #include "platform/SerialPort.h"
-#include "platform/windows/System.h"
+#include "platform/windows/OpenHandle.h"
 
 namespace platform {
 
-// The handle as the system has it, if it is that of the port opened last and not closed since; else null,
-// with the reason recorded: the system may have given the number to something else.
-HANDLE FindPort(PortHandle port);
+// For a call on the port, if it is the one opened last and not closed since; if not, that is recorded as the
+// reason of a failure.
+HandleUse UsePort(PortHandle port);
 
 } // namespace platform

@@ -5,8 +5,6 @@
 #include "platform/windows/Port.h"
 #include "platform/windows/WideText.h"
 
-#include <atomic>
-
 // The contract's numbers are the system's own.
 static_assert(static_cast<DWORD>(platform::PortAccess::plain) == FILE_ATTRIBUTE_NORMAL);
 static_assert(static_cast<DWORD>(platform::PortAccess::overlapped) ==
@@ -23,15 +21,12 @@ namespace platform {
 
 namespace {
 
-std::atomic<PortHandle> openPort = kInvalidPort;
+constinit OpenHandle openPort;
 
 } // namespace
 
-HANDLE FindPort(PortHandle port) {
-    if (port != kInvalidPort && port == openPort)
-        return reinterpret_cast<HANDLE>(port);
-    SetLastError(ERROR_INVALID_HANDLE);
-    return nullptr;
+HandleUse UsePort(PortHandle port) {
+    return HandleUse(openPort, port, ERROR_INVALID_HANDLE);
 }
 
 // Always overlapped: the system serialises what is done through a handle that is not, and the receive
@@ -41,15 +36,15 @@ PortHandle OpenPort(const char16_t *name, PortAccess access) {
                                     static_cast<DWORD>(access) | FILE_FLAG_OVERLAPPED, nullptr);
     const auto opened = reinterpret_cast<PortHandle>(port);
     if (opened != kInvalidPort)
-        openPort = opened;
+        openPort.Set(opened);
     return opened;
 }
 
 bool GetLineSettings(PortHandle port, LineSettings &settings) {
     DCB block = {};
     block.DCBlength = sizeof block;
-    const HANDLE handle = FindPort(port);
-    if (handle == nullptr || !GetCommState(handle, &block))
+    const HandleUse use = UsePort(port);
+    if (!use.IsOpen() || !GetCommState(use.Get(), &block))
         return false;
     settings = FromBlock(block);
     return true;
@@ -58,18 +53,18 @@ bool GetLineSettings(PortHandle port, LineSettings &settings) {
 bool SetLineSettings(PortHandle port, const LineSettings &settings) {
     DCB block = {};
     block.DCBlength = sizeof block;
-    const HANDLE handle = FindPort(port);
-    if (handle == nullptr)
+    const HandleUse use = UsePort(port);
+    if (!use.IsOpen())
         return false;
-    GetCommState(handle, &block); // for the fields that the settings do not name
+    GetCommState(use.Get(), &block); // for the fields that the settings do not name
     ToBlock(settings, block);
-    return SetCommState(handle, &block);
+    return SetCommState(use.Get(), &block);
 }
 
 bool GetPortTimeouts(PortHandle port, PortTimeouts &timeouts) {
     COMMTIMEOUTS block = {};
-    const HANDLE handle = FindPort(port);
-    if (handle == nullptr || !GetCommTimeouts(handle, &block))
+    const HandleUse use = UsePort(port);
+    if (!use.IsOpen() || !GetCommTimeouts(use.Get(), &block))
         return false;
     timeouts = {block.ReadIntervalTimeout, block.ReadTotalTimeoutMultiplier, block.ReadTotalTimeoutConstant,
                 block.WriteTotalTimeoutMultiplier, block.WriteTotalTimeoutConstant};
@@ -79,41 +74,38 @@ bool GetPortTimeouts(PortHandle port, PortTimeouts &timeouts) {
 bool SetPortTimeouts(PortHandle port, const PortTimeouts &timeouts) {
     COMMTIMEOUTS block = {timeouts.readInterval, timeouts.readTotalMultiplier, timeouts.readTotalConstant,
                           timeouts.writeTotalMultiplier, timeouts.writeTotalConstant};
-    const HANDLE handle = FindPort(port);
-    return handle != nullptr && SetCommTimeouts(handle, &block);
+    const HandleUse use = UsePort(port);
+    return use.IsOpen() && SetCommTimeouts(use.Get(), &block);
 }
 
 bool SetPortEvents(PortHandle port, PortEvents events) {
-    const HANDLE handle = FindPort(port);
-    return handle != nullptr && SetCommMask(handle, static_cast<DWORD>(events));
+    const HandleUse use = UsePort(port);
+    return use.IsOpen() && SetCommMask(use.Get(), static_cast<DWORD>(events));
 }
 
 bool GetModemStatus(PortHandle port, uint32_t &status) {
     DWORD lines = 0;
-    const HANDLE handle = FindPort(port);
-    if (handle == nullptr || !GetCommModemStatus(handle, &lines))
+    const HandleUse use = UsePort(port);
+    if (!use.IsOpen() || !GetCommModemStatus(use.Get(), &lines))
         return false;
     status = lines;
     return true;
 }
 
 bool SignalPort(PortHandle port, PortSignal signal) {
-    const HANDLE handle = FindPort(port);
-    return handle != nullptr && EscapeCommFunction(handle, static_cast<DWORD>(signal));
+    const HandleUse use = UsePort(port);
+    return use.IsOpen() && EscapeCommFunction(use.Get(), static_cast<DWORD>(signal));
 }
 
 bool PurgePort(PortHandle port, uint32_t what) {
-    const HANDLE handle = FindPort(port);
-    return handle != nullptr && PurgeComm(handle, what);
+    const HandleUse use = UsePort(port);
+    return use.IsOpen() && PurgeComm(use.Get(), what);
 }
 
 bool ClosePort(PortHandle port) {
-    const HANDLE handle = FindPort(port);
-    if (handle == nullptr)
-        return false;
-    openPort = kInvalidPort;
-    CancelIoEx(handle, nullptr); // releases whoever is still reading or writing
-    return CloseHandle(handle);
+    if (!openPort.Remove(port))
+        return Fail(ERROR_INVALID_HANDLE);
+    return CloseHandle(reinterpret_cast<HANDLE>(port));
 }
 
 } // namespace platform

@@ -54,8 +54,8 @@ bool WritePart(HANDLE port, const uint8_t *bytes, uint32_t count, uint32_t &take
 
 bool WaitPortEvent(PortHandle port, PortEvents &events) {
     events = PortEvents::none;
-    const HANDLE handle = FindPort(port);
-    const bool waited = handle != nullptr && WaitForEvent(handle);
+    const HandleUse use = UsePort(port);
+    const bool waited = use.IsOpen() && WaitForEvent(use.Get());
     if (waited && (happened & EV_RXCHAR) != 0) {
         events = PortEvents::received;
         return true;
@@ -67,13 +67,13 @@ bool WaitPortEvent(PortHandle port, PortEvents &events) {
 
 bool ReadPort(PortHandle port, uint8_t *bytes, uint32_t count, uint32_t &got) {
     got = 0;
-    const HANDLE handle = FindPort(port);
-    if (handle == nullptr || !reading.Begin())
+    const HandleUse use = UsePort(port);
+    if (!use.IsOpen() || !reading.Begin())
         return false;
     const auto part = std::min<uint32_t>(count, sizeof chunk);
-    const bool underWay = IsUnderWay(ReadFile(handle, chunk, part, nullptr, reading.Get()));
+    const bool underWay = IsUnderWay(ReadFile(use.Get(), chunk, part, nullptr, reading.Get()));
     DWORD came = 0;
-    const bool read = reading.Finish(handle, underWay, came);
+    const bool read = reading.Finish(use.Get(), underWay, came);
     std::memcpy(bytes, chunk, came);
     got = came;
     return read;
@@ -82,10 +82,11 @@ bool ReadPort(PortHandle port, uint8_t *bytes, uint32_t count, uint32_t &got) {
 // A spool goes in one part, whole: the time-out counts for all of it.
 bool WritePort(PortHandle port, const uint8_t *bytes, uint32_t count, uint32_t &taken) {
     taken = 0;
-    const HANDLE handle = FindPort(port);
-    bool wrote = handle != nullptr;
+    const HandleUse use = UsePort(port);
+    bool wrote = use.IsOpen();
     while (wrote && taken < count)
-        wrote = WritePart(handle, bytes + taken, std::min<uint32_t>(count - taken, sizeof outgoing), taken);
+        wrote =
+            WritePart(use.Get(), bytes + taken, std::min<uint32_t>(count - taken, sizeof outgoing), taken);
     return wrote;
 }
 

@@ -15,9 +15,10 @@ namespace {
 
 constexpr auto kNoSocket = static_cast<SocketHandle>(INVALID_SOCKET);
 
-// The one connection's socket; none once it has been closed, so that its number, which the system may have
-// given to something else since, is never closed twice.
-std::atomic<SocketHandle> openSocket = kNoSocket;
+static_assert(kNoSocket == OpenHandle::kNone);
+
+// The one connection's.
+constinit OpenHandle openSocket;
 
 std::atomic<int> failedStarts = 0;
 
@@ -74,8 +75,8 @@ int FamilyOf(SocketHandle handle) {
     return known ? protocol.iAddressFamily : AF_INET;
 }
 
-bool SwitchBlocking(SocketHandle handle, bool blocks) {
-    u_long nonBlocking = blocks ? 0 : 1;
+bool StopBlocking(SocketHandle handle) {
+    u_long nonBlocking = 1;
     return ioctlsocket(Of(handle), static_cast<long>(FIONBIO), &nonBlocking) == 0;
 }
 
@@ -83,8 +84,8 @@ bool SwitchBlocking(SocketHandle handle, bool blocks) {
 SocketHandle Replace(SocketHandle handle, int family) {
     CloseSocket(handle);
     const SocketHandle made = MakeStream(family);
-    openSocket = made;
-    SwitchBlocking(made, false);
+    openSocket.Set(made);
+    StopBlocking(made);
     return made;
 }
 
@@ -111,8 +112,8 @@ void LetArrive(SOCKET socket) {
 
 } // namespace
 
-bool IsOpenSocket(SocketHandle socket) {
-    return (socket != kNoSocket && socket == openSocket) || Fail(WSAENOTSOCK);
+HandleUse UseSocket(SocketHandle socket) {
+    return HandleUse(openSocket, socket, WSAENOTSOCK);
 }
 
 bool StartSocketSupport() {
@@ -138,15 +139,16 @@ CAsyncSocket::~CAsyncSocket() {
 }
 
 int32_t CAsyncSocket::Create(uint32_t port, int32_t type, int32_t, const char16_t *address) {
-    if (port != 0 || type != kStreamSocket || address != nullptr || openSocket != kNoSocket)
+    if (port != 0 || type != kStreamSocket || address != nullptr || !openSocket.IsNone())
         return Fail(WSAEINVAL);
     handle = MakeStream(AF_INET);
-    openSocket = handle;
+    openSocket.Set(handle);
     return handle != kNoSocket;
 }
 
-int32_t CAsyncSocket::IOCtl(SocketCommand, uint32_t argument) {
-    return SwitchBlocking(handle, argument == 0);
+// The socket itself never blocks from here on: Send and Receive wait, whatever the argument.
+int32_t CAsyncSocket::IOCtl(SocketCommand, uint32_t) {
+    return StopBlocking(handle);
 }
 
 int32_t CAsyncSocket::Connect(const char16_t *host, uint32_t port) {
@@ -181,12 +183,10 @@ int32_t SelectWritable(SocketHandle readLimit, SocketHandle socket, int32_t seco
 }
 
 int32_t CloseSocket(SocketHandle socket) {
-    SocketHandle expected = socket;
-    if (socket == kNoSocket || !openSocket.compare_exchange_strong(expected, kNoSocket)) {
+    if (!openSocket.Remove(socket)) {
         Fail(WSAENOTSOCK);
         return -1;
     }
-    CancelIoEx(reinterpret_cast<HANDLE>(socket), nullptr); // releases whoever is still sending or receiving
     LetArrive(Of(socket));
     return closesocket(Of(socket));
 }

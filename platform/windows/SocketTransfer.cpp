@@ -38,16 +38,39 @@ int32_t ReceiveChunk(HANDLE socket, uint32_t count) {
     return came ? static_cast<int32_t>(got) : -1;
 }
 
+// How often a send that waits looks whether the socket is still open, in milliseconds.
+constexpr long kLook = 20;
+
+// False, with the reason recorded, when waiting has become useless.
+bool WaitForSpace(SOCKET socket) {
+    fd_set sockets = {1, {socket}};
+    TIMEVAL time = {0, kLook * 1000};
+    return select(0, nullptr, &sockets, nullptr, &time) != SOCKET_ERROR;
+}
+
+// What the system takes of the bytes: 0 when it had no space for any, -1 when none will be taken again.
+int32_t SendPart(SocketHandle socket, const uint8_t *bytes, uint32_t count) {
+    const HandleUse use = UseSocket(socket);
+    if (!use.IsOpen())
+        return -1;
+    const auto part = static_cast<int>(std::min<uint32_t>(count, 1u << 20));
+    const int sent = send(static_cast<SOCKET>(socket), reinterpret_cast<const char *>(bytes), part, 0);
+    if (sent >= 0)
+        return sent;
+    return WSAGetLastError() == WSAEWOULDBLOCK && WaitForSpace(static_cast<SOCKET>(socket)) ? 0 : -1;
+}
+
+int32_t ReceiveFrom(SocketHandle socket, uint32_t count) {
+    const HandleUse use = UseSocket(socket);
+    return use.IsOpen() ? ReceiveChunk(use.Get(), count) : -1;
+}
+
 } // namespace
 
 int32_t Send(SocketHandle socket, const uint8_t *bytes, uint32_t count, uint32_t &taken) {
     taken = 0;
     while (taken < count) {
-        if (!IsOpenSocket(socket))
-            return -1;
-        const auto part = static_cast<int>(std::min<uint32_t>(count - taken, 1u << 20));
-        const int sent =
-            send(static_cast<SOCKET>(socket), reinterpret_cast<const char *>(bytes + taken), part, 0);
+        const int32_t sent = SendPart(socket, bytes + taken, count - taken);
         if (sent < 0)
             return -1;
         taken += static_cast<uint32_t>(sent);
@@ -56,7 +79,7 @@ int32_t Send(SocketHandle socket, const uint8_t *bytes, uint32_t count, uint32_t
 }
 
 int32_t Receive(SocketHandle socket, uint8_t *bytes, uint32_t count) {
-    const int32_t got = IsOpenSocket(socket) ? ReceiveChunk(reinterpret_cast<HANDLE>(socket), count) : -1;
+    const int32_t got = ReceiveFrom(socket, count);
     if (got > 0) {
         std::memcpy(bytes, chunk, static_cast<size_t>(got));
         return got;

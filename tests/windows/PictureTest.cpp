@@ -2,11 +2,13 @@
 
 #include "tests/windows/OnWindows.h"
 
+#include <atomic>
 #include <fcntl.h>
 #include <fstream>
 #include <random>
 #include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
 namespace hosts {
 namespace {
