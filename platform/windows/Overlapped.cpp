@@ -3,6 +3,8 @@
 #include "platform/windows/LastError.h"
 #include "platform/windows/Wait.h"
 
+#include <new>
+
 namespace platform {
 
 namespace {
@@ -13,11 +15,32 @@ constexpr DWORD kTimeToCancel = 100;
 
 } // namespace
 
+bool Overlapped::HasEnded() const {
+    const ULONG_PTR state = *const_cast<const volatile ULONG_PTR *>(&operation->system.Internal);
+    return state != static_cast<ULONG_PTR>(STATUS_PENDING);
+}
+
+Overlapped::~Overlapped() {
+    if (operation == nullptr)
+        return;
+    if (!HasEnded())
+        WaitForSingleObject(operation->system.hEvent, kTimeToCancel);
+    if (!HasEnded())
+        return;
+    if (operation->system.hEvent != nullptr)
+        CloseHandle(operation->system.hEvent);
+    delete operation;
+}
+
 bool Overlapped::Begin() {
-    const HANDLE event =
-        operation.hEvent != nullptr ? operation.hEvent : CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    operation = {};
-    operation.hEvent = event;
+    if (operation == nullptr)
+        operation = new (std::nothrow) Operation;
+    if (operation == nullptr)
+        return false;
+    const HANDLE open = operation->system.hEvent;
+    const HANDLE event = open != nullptr ? open : CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    *operation = {};
+    operation->system.hEvent = event;
     return event != nullptr && ResetEvent(event);
 }
 
@@ -25,12 +48,12 @@ bool Overlapped::Finish(HANDLE handle, bool begun, DWORD &count) {
     count = 0;
     if (!begun)
         return false;
-    if (!WaitFor(operation.hEvent, INFINITE)) {
-        CancelIoEx(handle, &operation);
-        if (WaitForSingleObject(operation.hEvent, kTimeToCancel) != WAIT_OBJECT_0)
+    if (!WaitFor(operation->system.hEvent, INFINITE)) {
+        CancelIoEx(handle, &operation->system);
+        if (WaitForSingleObject(operation->system.hEvent, kTimeToCancel) != WAIT_OBJECT_0)
             return Fail(ERROR_OPERATION_ABORTED);
     }
-    return GetOverlappedResult(handle, &operation, &count, FALSE);
+    return GetOverlappedResult(handle, &operation->system, &count, FALSE);
 }
 
 } // namespace platform

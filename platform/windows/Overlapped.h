@@ -4,13 +4,23 @@
 
 namespace platform {
 
-// An overlapped operation that is waited for. It lives in static storage: the system writes into it until the
-// operation has ended, also when the thread that waited is gone. One thread at a time uses it.
+// An overlapped operation that is waited for. What the system writes into lies on the heap: it does so until
+// the operation has ended, also when the thread that waited, or the library, is gone. One thread at a time uses
+// it.
 class Overlapped {
   public:
-    // Makes it ready for an operation, which it is handed to. False when there is no event to be had.
+    constexpr Overlapped() = default;
+    // Gives back what it has, unless the operation is still going on.
+    ~Overlapped();
+    Overlapped(const Overlapped &) = delete;
+    Overlapped &operator=(const Overlapped &) = delete;
+
+    // Makes it ready for an operation, which it is handed to. False when there is no event or memory to be had.
     bool Begin();
-    OVERLAPPED *Get() { return &operation; }
+    OVERLAPPED *Get() { return &operation->system; }
+
+    // For the one word that some operations tell; 0 at first.
+    DWORD &Word() { return operation->word; }
 
     // Waits until the operation on the handle has ended, if it has begun, and takes the count of bytes.
     // Cancels it when the calling thread is being terminated. False, with the reason recorded, when it has
@@ -18,7 +28,13 @@ class Overlapped {
     bool Finish(HANDLE handle, bool begun, DWORD &count);
 
   private:
-    OVERLAPPED operation = {}; // keeps its event for the life of the process
+    struct Operation {
+        OVERLAPPED system = {}; // keeps its event
+        DWORD word = 0;
+    };
+    bool HasEnded() const;
+
+    Operation *operation = nullptr; // null before the first
 };
 
 } // namespace platform

@@ -22,7 +22,6 @@ constexpr uint32_t kPause = 1;
 constinit Overlapped waiting;
 constinit Overlapped reading;
 constinit Overlapped writing;
-constinit DWORD happened = 0;
 constinit char chunk[256] = {};
 constinit uint8_t outgoing[1 << 19] = {};
 
@@ -31,10 +30,9 @@ bool IsUnderWay(BOOL begun) {
 }
 
 bool WaitForEvent(HANDLE port) {
-    happened = 0;
     if (!waiting.Begin())
         return false;
-    const bool underWay = IsUnderWay(WaitCommEvent(port, &happened, waiting.Get()));
+    const bool underWay = IsUnderWay(WaitCommEvent(port, &waiting.Word(), waiting.Get()));
     DWORD count = 0;
     return waiting.Finish(port, underWay, count);
 }
@@ -56,7 +54,7 @@ bool WaitPortEvent(PortHandle port, PortEvents &events) {
     events = PortEvents::none;
     const HandleUse use = UsePort(port);
     const bool waited = use.IsOpen() && WaitForEvent(use.Get());
-    if (waited && (happened & EV_RXCHAR) != 0) {
+    if (waited && (waiting.Word() & EV_RXCHAR) != 0) {
         events = PortEvents::received;
         return true;
     }

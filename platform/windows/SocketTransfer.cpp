@@ -23,16 +23,14 @@ constexpr uint32_t kPauseWhenGone = 50;
 // force.
 constinit Overlapped receiving;
 constinit char chunk[kChunk] = {};
-constinit DWORD flags = 0;
 
 // The bytes that came, 0 or -1 when the connection is over.
 int32_t ReceiveChunk(HANDLE socket, uint32_t count) {
     WSABUF buffer = {std::min(count, kChunk), chunk};
-    flags = 0;
     if (!receiving.Begin())
         return -1;
-    const int begun =
-        WSARecv(reinterpret_cast<SOCKET>(socket), &buffer, 1, nullptr, &flags, receiving.Get(), nullptr);
+    const int begun = WSARecv(reinterpret_cast<SOCKET>(socket), &buffer, 1, nullptr, &receiving.Word(),
+                              receiving.Get(), nullptr);
     DWORD got = 0;
     const bool came = receiving.Finish(socket, begun == 0 || WSAGetLastError() == WSA_IO_PENDING, got);
     return came ? static_cast<int32_t>(got) : -1;

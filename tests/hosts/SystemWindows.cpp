@@ -70,6 +70,15 @@ std::string NextHandle() {
     return std::to_string(reinterpret_cast<intptr_t>(next));
 }
 
+std::string OpenHandles() {
+    int count = 0;
+    for (intptr_t number = 4; number < 4000; number += 4) {
+        DWORD flags = 0;
+        count += GetHandleInformation(reinterpret_cast<HANDLE>(number), &flags) ? 1 : 0;
+    }
+    return std::to_string(count);
+}
+
 uint64_t Milliseconds(const FILETIME &time) {
     return (static_cast<uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime) / 10000;
 }
@@ -153,6 +162,8 @@ std::string AnswerOwn(const std::string &question) {
         return IsOwnFileOverlapped(0);
     if (question == "next handle")
         return NextHandle();
+    if (question == "open handles")
+        return OpenHandles();
     if (question == "processor time")
         return ProcessorTime();
     if (question == "string 101")

@@ -25,6 +25,30 @@ TEST_F(Loading, UnloadsOnceTheLinkIsClosed) {
     EXPECT_EQ(host.Ask("unload"), "unloaded");
 }
 
+TEST_F(Loading, UnloadsOnceThePortIsClosed) {
+    RawPeer peer(Medium::serial);
+    CallingHost host = StartHost();
+    host.Connect("InitPrinter(" + Quoted(PortName(peer.SerialPath())) + ", 9600, 0)");
+    EXPECT_EQ(host.Call("ClosePrinter()"), 1);
+    EXPECT_EQ(host.Ask("unload"), "unloaded");
+    // The system has ended all that it did for the port, and wrote nothing where the library was.
+    EXPECT_EQ(host.End(), 0);
+}
+
+TEST_F(Loading, LeavesNoHandleBehindWhenItIsUnloaded) {
+    VirtualPrinter printer = StartPrinter();
+    CallingHost host = StartHost();
+    std::vector<int> open;
+    for (int i = 0; i < 6; ++i) {
+        host.Connect(Wlan(printer.TcpPort()));
+        EXPECT_EQ(host.Call("ClosePrinter()"), 1);
+        EXPECT_EQ(host.Ask("unload"), "unloaded");
+        open.push_back(std::stoi(host.Ask("open handles")));
+        EXPECT_EQ(host.Ask("load NADRELPRINTER.dll"), "loaded");
+    }
+    EXPECT_EQ(open.back(), open[1]);
+}
+
 TEST_F(Loading, KeepsItsCodeWhileItsThreadsRun) {
     RawPeer peer(Medium::tcp);
     CallingHost host = StartHost();
