@@ -51,6 +51,7 @@ _LIKE_A_COMMAND_LINE = re.compile(r"[a-z.][\w./-]* \S")
 _WORDS = {
     "answered no",
     "answered yes",
+    "return done || Fail(reason)",
     "send 30 31",
     "serial /dev/pts/3",
     "tcp 127.0.0.1:9100",
