@@ -63,9 +63,10 @@ inline void CallWith(int32_t (*function)(const uint8_t *, int32_t), Input &input
     scripted::TheSystem().ForgetScript();
 }
 
-// Status queries and all that takes one number and gives one.
+// A status query's number is how long it asks; card readers and PrintSpool take one that is no time.
 inline void CallWith(int32_t (*function)(int32_t), Input &input) {
-    function(TimeoutFrom(input));
+    const bool isTime = function == &GetPrinterStatus || function == &GetPrinterStatusEX;
+    function(isTime ? TimeoutFrom(input) : input.Number<int32_t>());
 }
 
 inline void CallWith(int32_t (*function)(const NadrelChar *, uint32_t, int32_t, int32_t), Input &input) {

@@ -1,5 +1,6 @@
 #include "fuzz/Roundtrip.h"
 
+#include "printer/Frame.h"
 #include "printer/Raster.h"
 
 // Calls with arguments that the printer can make sense of, sent over a plain or framed link, read by the
@@ -7,39 +8,143 @@
 
 namespace fuzz {
 
-Roundtrip::Roundtrip(Input &bytes, bool framedLink)
-    : framed(framedLink), library(Library::Recording::on), input(bytes) {
-    library.AnswerProbes();
-    Require(InitPrinter(u"COM1", 9600, framed) == 1, "the link does not open");
-    library.System().ForgetScript();
+Roundtrip::Roundtrip(Input &bytes, uint8_t link) : library(Library::Recording::on), input(bytes) {
+    Connect(link);
     library.System().ForgetCalls();
 }
 
+void Roundtrip::Connect(uint8_t link) {
+    framed = link % 2 != 0;
+    library.AnswerProbes();
+    int32_t result = 0;
+    switch (link / 2 % 5) {
+    case 0:
+        result = InitPrinter(u"COM1", 9600, framed);
+        break;
+    case 1:
+        result = ConnectSerialPrinter(u"COM1", 115200, 200, framed);
+        break;
+    case 2:
+        result = ConnectSerialPrinterEx("COM1:", 115200, 8, 0, 0, 200, framed);
+        break;
+    case 3:
+        result = InitWlanPrinter(u"printer", 9100, 1000, framed);
+        break;
+    default:
+        result = ConnectWirelessPrinter(u"printer", 9100, 1000, framed);
+        break;
+    }
+    Require(result == 1, "the link does not open");
+    library.System().ForgetScript();
+}
+
+// What is in the spool is lost, and the library is back in standard mode.
+void Roundtrip::Reconnect(uint8_t link) {
+    Require(ClosePrinter() == 1, "the link does not close");
+    Clear();
+    pageMode = false;
+    mark = {0, 0, sentPageMode};
+    Connect(link);
+    if (framed)
+        expected.push_back({Kind::Query, {}});
+}
+
+namespace {
+
+// 0 to count - 1 are the bytes from lowest on; the others follow from A0 on.
+uint8_t Letter(uint8_t byte, int lowest, int count) {
+    const int place = byte % (count + 0x60);
+    return static_cast<uint8_t>(place < count ? lowest + place : 0xA0 + place - count);
+}
+
+} // namespace
+
+// Not '~', which can begin a command, and at its beginning not C0, which behind a 00 begins a frame.
 Bytes Roundtrip::Text(size_t atMost) {
     Bytes text = input.Take(input.Below(static_cast<uint32_t>(atMost + 1)));
     for (uint8_t &byte : text)
-        byte = static_cast<uint8_t>(0x20 + byte % 0x5E);
+        byte = Letter(byte, 0x20, 0x5E);
+    if (!text.empty() && text[0] == printer::FrameStart)
+        text[0] = 'A';
     return text;
+}
+
+Bytes Roundtrip::LongText(size_t atMost) {
+    const Bytes part = Text(20);
+    Bytes text(part.empty() ? 0 : input.Below(static_cast<uint32_t>(atMost + 1)));
+    for (size_t i = 0; i < text.size(); ++i)
+        text[i] = part[i % part.size()];
+    return text;
+}
+
+Bytes Roundtrip::Data(size_t atMost) {
+    Bytes data = input.Take(input.Below(static_cast<uint32_t>(std::min<size_t>(atMost, 255) + 1)));
+    for (uint8_t &byte : data)
+        byte = Letter(byte, 0x01, 0x7F);
+    if (atMost > data.size() && !data.empty() && Flag())
+        data.resize(input.Below(static_cast<uint32_t>(atMost + 1)), data[0]);
+    return data;
 }
 
 void Roundtrip::MoveExpected() {
     expected.insert(expected.end(), pending.begin(), pending.end());
-    pending.clear();
+    Clear();
 }
 
 void Roundtrip::Print() {
-    if (nadrel::SpoolLength == 0)
+    if (nadrel::SpoolLength != 0)
+        PrintAnyhow(true);
+}
+
+// What is printed again begins in the mode that it began in before.
+void Roundtrip::PrintAnyhow(bool clear) {
+    if (!clear && sentPageMode != printerPageMode)
         return;
-    Require(PrintSpool(1) == 1, "the spool is not printed");
+    Require(PrintSpool(clear) == 1, "the spool is not printed");
     if (framed)
         expected.push_back({Kind::Frame, {}});
-    MoveExpected();
+    sentPageMode = printerPageMode;
+    if (clear)
+        MoveExpected();
+    else
+        expected.insert(expected.end(), pending.begin(), pending.end());
+}
+
+void Roundtrip::Clear() {
+    pending.clear();
+    printerPageMode = sentPageMode;
+    mark.index.reset();
+    if (mark.place == 0)
+        mark = {0, 0, sentPageMode};
 }
 
 void Roundtrip::Sent(bool everFramed) {
     if (framed && everFramed)
         expected.push_back({Kind::Frame, {}});
     MoveExpected();
+}
+
+void Roundtrip::BeginMacro() {
+    SetMarco_Start();
+    mark = {nadrel::SpoolLength, pending.size(), printerPageMode};
+}
+
+void Roundtrip::EndMacro() {
+    const int32_t length = nadrel::SpoolLength - mark.place;
+    if (length > 65535 || (length > 0 && !mark.index))
+        return; // the mark may lie within a command
+    SetMacro_End();
+    if (length < 0)
+        return;
+    const size_t index = length == 0 ? pending.size() : *mark.index;
+    const auto begin = pending.begin() + static_cast<ptrdiff_t>(index);
+    const Expected macro{Kind::Macro, {}, Expected::Body{mark.pageMode, {begin, pending.end()}}};
+    pending.erase(begin, pending.end());
+    if (length > 0) {
+        printerPageMode = mark.pageMode;
+        Expect(Kind::Padding, Operands().Data(fuzz::Bytes(static_cast<size_t>(length), 0)));
+    }
+    pending.push_back(macro);
 }
 
 namespace {
@@ -80,17 +185,36 @@ std::vector<Expected> Understood(const std::vector<printer::Command> &commands) 
     return understood;
 }
 
+std::vector<printer::Command> CommandsOf(const Bytes &bytes, bool pageMode) {
+    printer::CommandDecoder decoder(pageMode);
+    std::vector<printer::Command> commands;
+    decoder.Feed(bytes, 0, commands);
+    decoder.Finish(commands);
+    return commands;
+}
+
 void Show(const char *what, const Expected &command) {
     std::fprintf(stderr, "%s: kind %d, %s\n", what, static_cast<int>(command.kind),
                  printer::HexOf(command.operands).c_str());
 }
 
-} // namespace
+void Compare(const std::vector<Expected> &commands, const std::vector<printer::Command> &decoded);
 
-void Roundtrip::Compare(const std::vector<printer::Command> &commands) const {
-    const std::vector<Expected> called = Joined(expected), understood = Understood(commands);
+// The bytes of a macro are a count in two bytes, which the decoder has read by, and commands.
+bool IsUnderstood(const Expected &called, const Expected &understood) {
+    if (called.kind != understood.kind)
+        return false;
+    if (!called.body)
+        return called.operands == understood.operands;
+    const Bytes body(understood.operands.begin() + 2, understood.operands.end());
+    Compare(called.body->commands, CommandsOf(body, called.body->pageMode));
+    return true;
+}
+
+void Compare(const std::vector<Expected> &commands, const std::vector<printer::Command> &decoded) {
+    const std::vector<Expected> called = Joined(commands), understood = Understood(decoded);
     for (size_t i = 0; i < std::min(called.size(), understood.size()); ++i) {
-        if (called[i].kind == understood[i].kind && called[i].operands == understood[i].operands)
+        if (IsUnderstood(called[i], understood[i]))
             continue;
         Show("called", called[i]);
         Show("understood", understood[i]);
@@ -99,6 +223,8 @@ void Roundtrip::Compare(const std::vector<printer::Command> &commands) const {
     Require(called.size() == understood.size(), "the printer understands another number of commands");
 }
 
+} // namespace
+
 void Roundtrip::Finish() {
     Print();
     printer::StreamDecoder decoder;
@@ -106,17 +232,17 @@ void Roundtrip::Finish() {
     for (const scripted::Bytes &bytes : library.System().Written())
         decoder.Feed(bytes, commands);
     decoder.Finish(commands);
-    Compare(commands);
+    Compare(expected, commands);
 }
 
 } // namespace fuzz
 
-static constexpr int32_t kMuchInSpool = 150000; // its framed form surely fits
+static constexpr int32_t kMuchInSpool = 100000; // its framed form surely fits
 
 static std::vector<fuzz::RoundtripCall> AllCalls() {
     std::vector<fuzz::RoundtripCall> all;
-    for (const auto calls :
-         {fuzz::TextCalls(), fuzz::SymbolCalls(), fuzz::PictureCalls(), fuzz::DeviceCalls()})
+    for (const auto calls : {fuzz::TextCalls(), fuzz::SymbolCalls(), fuzz::PictureCalls(),
+                             fuzz::DeviceCalls(), fuzz::LinkCalls()})
         all.insert(all.end(), calls.begin(), calls.end());
     return all;
 }
@@ -124,8 +250,7 @@ static std::vector<fuzz::RoundtripCall> AllCalls() {
 int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t count) {
     static const std::vector<fuzz::RoundtripCall> calls = AllCalls();
     fuzz::Input input({bytes, count});
-    const bool framed = input.Flag();
-    fuzz::Roundtrip trip(input, framed);
+    fuzz::Roundtrip trip(input, input.Byte());
     while (!input.IsUsedUp()) {
         calls[input.Below(static_cast<uint32_t>(calls.size()))](trip);
         if (nadrel::SpoolLength > kMuchInSpool)

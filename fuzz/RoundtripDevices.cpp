@@ -16,10 +16,14 @@ void LeaveSmartCard(Roundtrip &trip) {
     trip.Expect(Kind::LeaveSmartCard);
 }
 
+// Whole text, of whose length the low byte is told: the printer takes the rest for text.
 void SecuredCard(Roundtrip &trip) {
-    const Bytes text = trip.Text(kShortText);
+    const Bytes text = trip.LongText(kLongText);
     SecuredCardCommend(std::string(text.begin(), text.end()).c_str());
-    trip.Expect(Kind::SecuredCard, Operands().B(0).B(static_cast<int>(text.size())).Data(text));
+    const Bytes told = CountedInAByte(text);
+    const int count = static_cast<int>(told.size());
+    trip.Expect(Kind::SecuredCard, Operands().B(count / 255).B(count % 255).Data(told));
+    trip.ExpectText({text.begin() + count, text.end()});
 }
 
 // What goes straight to the link.
@@ -46,33 +50,33 @@ void AskStatus(Roundtrip &trip) {
 }
 
 void PrintOutReports(Roundtrip &trip) {
-    const bool on = trip.Flag();
+    const int32_t mode = trip.Near(0, 2);
     trip.Print();
-    Set_PrintOutStatus(on);
-    trip.Expect(Kind::PrintOutReports, Operands().B(on));
+    Set_PrintOutStatus(static_cast<uint32_t>(mode));
+    trip.Expect(Kind::PrintOutReports, Operands().B(mode == 1));
     trip.Sent(true);
 }
 
 void EnterReader(Roundtrip &trip) {
-    const int track = trip.Number(0, 4);
+    const int32_t track = trip.Near(0, 5);
     trip.Print();
     EnterMSRMode(track);
-    trip.Expect(Kind::EnterReader, Operands().B('C' + track));
+    trip.Expect(Kind::EnterReader, Operands().B(track >= 0 && track <= 4 ? 'C' + track : 0));
     trip.Sent(true);
 }
 
 void ReadCard(Roundtrip &trip) {
-    const bool flag = trip.Flag();
+    const int32_t flag = trip.Near(0, 1);
     trip.Print();
     CardRead(flag);
     trip.Expect(Kind::CancelReading);
-    trip.Expect(Kind::EnterReader, Operands().B(flag ? 'D' : 'C'));
+    trip.Expect(Kind::EnterReader, Operands().B(flag != 0 ? 'D' : 'C'));
     trip.Sent(true);
 }
 
 void ReadCardOtherwise(Roundtrip &trip) {
     trip.Print();
-    CardRead_M(trip.Flag());
+    CardRead_M(trip.Near(0, 1));
     trip.Expect(Kind::CardRead);
     trip.Sent(true);
 }
@@ -84,41 +88,45 @@ void CancelSecuredCard(Roundtrip &trip) {
     trip.Sent(false);
 }
 
+// Nothing is sent of an identifier of another length.
 void Terminal(Roundtrip &trip) {
-    Bytes id = trip.Text(8);
-    id.resize(8, 'x');
+    Bytes id = trip.Data(kShortText);
+    if (trip.Flag())
+        id.resize(8, 'x');
     trip.Print();
-    SetTermialID(Wide(id).c_str());
+    const int32_t result = SetTermialID(Wide(id).c_str());
+    Require(result == (id.size() == 8 ? 1 : static_cast<int32_t>(id.size())), "a length is not told");
+    if (id.size() != 8)
+        return;
     trip.Expect(Kind::TerminalIdentifier, Operands().Data(id));
     trip.Sent(false);
 }
 
-// Digits, two a byte.
-std::u16string Digits(Roundtrip &trip, int count, Operands &operands) {
+// Digits, two a byte, and what counts as digits; where the first are left out they are zeros.
+std::u16string Digits(Roundtrip &trip, int count, int leftOut, Operands &operands) {
     std::u16string digits;
-    for (int i = 0; i < count; i += 2) {
-        const int high = trip.Number(0, 9), low = trip.Number(0, 9);
-        digits += static_cast<char16_t>('0' + high);
-        digits += static_cast<char16_t>('0' + low);
-        operands.B(high * 16 + low);
+    std::vector<int> values(static_cast<size_t>(leftOut), 0);
+    for (int i = leftOut; i < count; ++i) {
+        digits +=
+            static_cast<char16_t>(trip.Number(0, 3) != 0 ? '0' + trip.Number(0, 9) : 1 + trip.Number(0, 254));
+        values.push_back((digits.back() - '0') & 0x0F);
     }
+    for (size_t i = 0; i < values.size(); i += 2)
+        operands.B(values[i] * 16 + values[i + 1]);
     return digits;
 }
 
 void Payment(Roundtrip &trip) {
-    const bool type = trip.Flag();
+    static constexpr uint32_t kTypes[] = {0, 1, 2, 0x100, 0x180, 0xFFFFFFFF};
+    const uint32_t type = kTypes[trip.Number(0, 5)];
     Operands operands;
-    operands.B(type);
-    const auto first = Digits(trip, 12, operands), second = Digits(trip, 8, operands);
-    const auto third = Digits(trip, 6, operands);
+    operands.B(type % 0x100 != 0);
+    const auto first = Digits(trip, 12, trip.Number(0, 12), operands);
+    const auto second = Digits(trip, 8, 0, operands), third = Digits(trip, 6, 0, operands);
     trip.Print();
-    SetPaymentReq(type, first.c_str(), second.c_str(), third.c_str());
+    Require(SetPaymentReq(type, first.c_str(), second.c_str(), third.c_str()) == 1, "a payment is refused");
     trip.Expect(Kind::PaymentRequest, operands);
     trip.Sent(false);
-}
-
-void PrintNow(Roundtrip &trip) {
-    trip.Print();
 }
 
 constexpr RoundtripCall kCalls[] = {
@@ -138,7 +146,6 @@ constexpr RoundtripCall kCalls[] = {
     CancelSecuredCard,
     Terminal,
     Payment,
-    PrintNow,
 };
 
 } // namespace
