@@ -1,16 +1,16 @@
-#include "fuzz/Library.h"
+#include "fuzz/BmpImage.h"
 
 #include "image/BaseImage.h"
 
-// A file that claims to be a bitmap, printed in all three ways, loaded and saved. Two bytes in front of it say
-// how the spool stands before.
+// A file that claims to be a bitmap, printed in all three ways, loaded and saved. In front of it two bytes say how
+// the spool stands before, and then a count and so many bytes what is done with images besides.
 
 namespace {
 
 using namespace fuzz;
 using nadrel::BaseImage;
 
-constexpr char16_t kPicture[] = u"picture", kCopy[] = u"copy", kCopyOfCopy[] = u"copy of copy";
+constexpr char16_t kCopyOfCopy[] = u"copy of copy";
 
 // What a picture may do: append whole or change nothing.
 template <typename Print>
@@ -64,8 +64,11 @@ int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t count) {
     InitPrinter(u"COM1", 9600, 0);
     const Bytes text(input.Below(1024) * 400U, 'x');
     ControlCommand(text.data(), static_cast<int32_t>(std::min<size_t>(text.size(), 409600)));
+    const Bytes operations = input.ShortBytes();
     library.Files().Put(kPicture, input.Rest());
     PrintInAllWays();
     Copy(library);
+    Input forImages(operations);
+    UseImages(library, forImages);
     return 0;
 }

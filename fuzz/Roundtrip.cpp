@@ -8,6 +8,8 @@
 
 namespace fuzz {
 
+static constexpr int32_t kMostPrintedAgain = 5000; // bytes
+
 Roundtrip::Roundtrip(Input &bytes, uint8_t link) : library(Library::Recording::on), input(bytes) {
     Connect(link);
     library.System().ForgetCalls();
@@ -71,14 +73,15 @@ Bytes Roundtrip::Text(size_t atMost) {
 
 Bytes Roundtrip::LongText(size_t atMost) {
     const Bytes part = Text(20);
-    Bytes text(part.empty() ? 0 : input.Below(static_cast<uint32_t>(atMost + 1)));
+    const size_t most = Byte() < 250 ? std::min(atMost, kLongText) : atMost;
+    Bytes text(part.empty() ? 0 : input.Below(static_cast<uint32_t>(most + 1)));
     for (size_t i = 0; i < text.size(); ++i)
         text[i] = part[i % part.size()];
     return text;
 }
 
 Bytes Roundtrip::Data(size_t atMost) {
-    Bytes data = input.Take(input.Below(static_cast<uint32_t>(std::min<size_t>(atMost, 255) + 1)));
+    Bytes data = input.Take(input.Below(static_cast<uint32_t>(std::min(atMost, kShortText) + 1)));
     for (uint8_t &byte : data)
         byte = Letter(byte, 0x01, 0x7F);
     if (atMost > data.size() && !data.empty() && Flag())
@@ -96,9 +99,9 @@ void Roundtrip::Print() {
         PrintAnyhow(true);
 }
 
-// What is printed again begins in the mode that it began in before.
+// What is printed again begins in the mode that it began in before, and is little: it would be much to read.
 void Roundtrip::PrintAnyhow(bool clear) {
-    if (!clear && sentPageMode != printerPageMode)
+    if (!clear && (sentPageMode != printerPageMode || nadrel::SpoolLength > kMostPrintedAgain))
         return;
     Require(PrintSpool(clear) == 1, "the spool is not printed");
     if (framed)
