@@ -3,8 +3,8 @@
 #include "printer/Frame.h"
 #include "printer/Raster.h"
 
-// Calls with arguments that the printer can make sense of, sent over a plain or framed link, read by the
-// virtual printer's decoder: it must understand what was called.
+// Calls of all that prints and asks, sent over a plain or framed link, read by the virtual printer's decoder: it
+// must understand what was called. Left out are calls whose bytes no printer can tell from others.
 
 namespace fuzz {
 

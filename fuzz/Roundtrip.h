@@ -30,7 +30,7 @@ class Operands {
 struct Expected {
     Kind kind;
     Bytes operands; // of a compressed band: bytes a line, lines, and then the dots
-    // Of a macro made of what stood in the spool, whose operands and padding only the library knows.
+    // Of a macro made of what stood in the spool: what its operands are to be understood as.
     struct Body {
         bool pageMode = false; // of the printer where it begins
         std::vector<Expected> commands = {};
@@ -134,7 +134,7 @@ inline int OrZero(int lowest, int32_t number, int highest) {
     return number >= lowest && number <= highest ? number : 0;
 }
 
-// Each makes a call, with operands within the range of its command, and says what to expect.
+// Each makes a call and says what to expect of it.
 using RoundtripCall = void (*)(Roundtrip &);
 std::span<const RoundtripCall> TextCalls();
 std::span<const RoundtripCall> SymbolCalls();
