@@ -12,6 +12,8 @@ constexpr uint8_t kKinds[] = {'D', 'S', 'T', 'N', 0x06, 0x15, 0x18, 0x03, 0x04};
 constexpr size_t kMostSent = 3000;
 constexpr uint64_t kSlice = 5000; // milliseconds, more than the slowest reply takes
 
+constexpr uint64_t kBehindAll = 256; // milliseconds, more than a piece is sent later
+
 class Replies {
   public:
     explicit Replies(Input &bytes) : input(bytes) {
@@ -70,6 +72,9 @@ class Replies {
         case 3:
             GetPrinterStatusEX(input.Byte() * 4);
             break;
+        case 15:
+            HangUp();
+            break;
         default:
             GetPrinterStatus(input.Byte() * 4);
             break;
@@ -77,10 +82,16 @@ class Replies {
     }
 
     void Send(const Bytes &bytes, uint64_t later) {
-        if (bytes.empty() || sent + bytes.size() > kMostSent)
+        if (hungUp || bytes.empty() || sent + bytes.size() > kMostSent)
             return;
         library.System().PrinterSends(bytes, later);
         sent += bytes.size();
+    }
+
+    // Behind what was sent. Nothing comes after it.
+    void HangUp() {
+        library.System().PrinterHangsUp(kBehindAll);
+        hungUp = true;
     }
 
     static bool IsAddress(const scripted::Notification &notification) { return notification.lParam > 255; }
@@ -107,6 +118,7 @@ class Replies {
     Input &input;
     Library library;
     bool framed = false;
+    bool hungUp = false;
     size_t sent = 0;
 };
 
