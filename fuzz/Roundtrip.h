@@ -20,7 +20,8 @@ class Operands {
     // 16 bits, low byte first: rest and quotient of a signed division, each cut to a byte.
     Operands &W(int64_t value) { return B(value % 256).B(value / 256); }
     Operands &Data(const Bytes &data) {
-        bytes.insert(bytes.end(), data.begin(), data.end());
+        for (const uint8_t byte : data)
+            B(byte);
         return *this;
     }
 
