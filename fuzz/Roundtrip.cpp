@@ -37,18 +37,36 @@ void Roundtrip::Connect(uint8_t link) {
         break;
     }
     Require(result == 1, "the link does not open");
+    Require((GetPortHandle() == NADREL_INVALID_HANDLE) == (link / 2 % 5 >= 3), "a link has the wrong port");
     library.System().ForgetScript();
 }
 
 // What is in the spool is lost, and the library is back in standard mode.
 void Roundtrip::Reconnect(uint8_t link) {
-    Require(ClosePrinter() == 1, "the link does not close");
+    const int32_t closed = link < 128 ? ClosePrinter() : ClosePrinterConnection();
+    Require(closed == 1, "the link does not close");
     Clear();
     pageMode = false;
     mark = {0, 0, sentPageMode};
     Connect(link);
     if (framed)
         expected.push_back({Kind::Query, {}});
+}
+
+int32_t Roundtrip::Near(int lowest, int highest) {
+    switch (const int choice = Byte() % 16) {
+    case 0:
+    case 1:
+        return lowest - choice;
+    case 2:
+    case 3:
+        return highest + choice - 2;
+    case 4:
+    case 5:
+        return Any();
+    default:
+        return Number(lowest, highest);
+    }
 }
 
 namespace {

@@ -83,8 +83,8 @@ class Roundtrip {
     bool Flag() { return input.Flag(); }
     // Mostly one that the command has no room for or that is out of its range.
     int32_t Any() { return input.Number<int32_t>(); }
-    // One of the range or any.
-    int32_t Near(int lowest, int highest) { return Byte() < 192 ? Number(lowest, highest) : Any(); }
+    // One of the range, at its ends or just behind them, or any.
+    int32_t Near(int lowest, int highest);
 
     // Text of which no byte can begin a command, and which is the same in UTF-16 and in code page 1252.
     Bytes Text(size_t atMost);
