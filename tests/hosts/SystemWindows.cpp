@@ -1,7 +1,6 @@
 #include "tests/hosts/System.h"
 
 #include <atomic>
-#include <semaphore>
 #include <thread>
 #include <windows.h>
 
@@ -11,7 +10,19 @@ namespace {
 HMODULE library = nullptr;
 Told listener;
 UINT notification = 0;
-std::binary_semaphore windowIsThere{0};
+
+// What one thread tells another. The standard library's semaphore loses it now and then on a busy machine.
+class Signal {
+  public:
+    ~Signal() { CloseHandle(event_); }
+    void Give() { SetEvent(event_); }
+    void Await() { WaitForSingleObject(event_, INFINITE); }
+
+  private:
+    HANDLE event_ = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+};
+
+Signal windowIsThere;
 
 LRESULT CALLBACK Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message != notification)
@@ -29,14 +40,14 @@ void RunWindow() {
     RegisterClassW(&kind);
     CreateWindowExW(0, L"Caller", L"Caller", WS_OVERLAPPEDWINDOW, 0, 0, 10, 10, nullptr, nullptr,
                     kind.hInstance, nullptr);
-    windowIsThere.release();
+    windowIsThere.Give();
     for (MSG message; GetMessageW(&message, nullptr, 0, 0) > 0;)
         DispatchMessageW(&message);
 }
 
 void OpenWindow() {
     std::thread(RunWindow).detach();
-    windowIsThere.acquire();
+    windowIsThere.Await();
 }
 
 // Only a handle in overlapped mode takes a completion port.
@@ -99,7 +110,7 @@ std::string ResourceString() {
 // The text of the box that a thread finds, which it then closes. While a library is loading, no thread begins
 // to run or loads what it needs for its first look at the windows.
 std::atomic<bool> boxIsExpected = false;
-std::binary_semaphore readerHasLooked{0};
+Signal readerHasLooked;
 std::string boxText;
 
 HWND FindBox() {
@@ -108,7 +119,7 @@ HWND FindBox() {
 
 void CloseBox() {
     HWND box = FindBox();
-    readerHasLooked.release();
+    readerHasLooked.Give();
     for (; box == nullptr && boxIsExpected; box = FindBox())
         Sleep(1);
     wchar_t text[200] = {};
@@ -123,7 +134,7 @@ std::string LoadAndReadBox() {
     std::string error;
     boxIsExpected = true;
     std::thread reader(CloseBox);
-    readerHasLooked.acquire();
+    readerHasLooked.Await();
     const bool isLoaded = Load("NADRELPRINTER.dll", error);
     boxIsExpected = false;
     reader.join();
