@@ -24,7 +24,7 @@ struct Picture {
           rows{bytes.data() + place + stride * static_cast<size_t>(lines - 1), stride, lines} {}
 
     uint8_t *Pixel(int32_t x, int32_t k) {
-        return const_cast<uint8_t *>(rows.Row(k)) + 3 * static_cast<size_t>(x);
+        return const_cast<uint8_t *>(rows.Row(k)) + 3 * static_cast<ptrdiff_t>(x);
     }
 
     template <typename At>

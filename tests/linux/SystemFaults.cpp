@@ -10,6 +10,7 @@
 #include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 #include <utility>
 
@@ -183,11 +184,12 @@ int WrapStat(const char *path, struct stat *status) {
 }
 
 long WrapSyscall(long number, ...) {
-    std::array<long, 6> arguments; // as many as a call can have; those it lacks are not looked at
+    std::array<long, 6> arguments{};
+    const size_t count = number == SYS_process_vm_readv ? 6 : 3;
     va_list rest;
     va_start(rest, number);
-    for (long &argument : arguments)
-        argument = va_arg(rest, long);
+    for (size_t i = 0; i < count; ++i)
+        arguments[i] = va_arg(rest, long);
     va_end(rest);
     if (const auto answer = MeetFault(SystemCall::syscall, static_cast<unsigned long>(number)))
         return *answer;
