@@ -18,9 +18,12 @@ NOT_RUN = {
     "./dev package": STEP,
     "./dev package linux-armhf": STEP,
     "./dev package windows": STEP,
-    "./dev sizes": "builds for three machines; on each Library.HasTheSizeInTheTable runs its script",
+    "./dev sizes": "builds for five machines; on each Library.HasTheSizeInTheTable runs its script",
     "./dev test": STEP,
     "./dev windows": STEP,
+    "cmake --build --preset release": "is what ./dev build runs",
+    "cmake --preset release": "is what ./dev build runs",
+    "sudo apt install ./build/release/packages/*.deb": "changes the machine; Packages. installs into a root of its own",
     "sudo usermod -aG dialout $USER": "needs root and changes the user's groups",
 }
 

@@ -136,7 +136,6 @@ class Shell:
         return {
             **inherited,
             "PATH": f"{PROGRAMS}:{os.environ['PATH']}",
-            "LD_LIBRARY_PATH": str(PROGRAMS),
             "PKG_CONFIG_PATH": str(PROGRAMS),
             "DESTDIR": str(self.folder / "installed"),
         }

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "tests/TemporaryFolder.h"
 #include "tests/endtoend/Host.h"
 #include "tests/endtoend/NotificationRecorder.h"
 #include "tests/endtoend/Resources.h"
-#include "tests/endtoend/TemporaryFolder.h"
 #include "tests/endtoend/Waiting.h"
 
 #include <gtest/gtest.h>

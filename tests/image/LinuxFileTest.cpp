@@ -1,6 +1,6 @@
 #include "platform/File.h"
 
-#include "tests/image/TemporaryFolder.h"
+#include "tests/TemporaryFolder.h"
 
 #include "platform/Error.h"
 

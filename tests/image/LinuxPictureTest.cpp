@@ -1,8 +1,8 @@
 #include "api/NadrelPrinter.h"
 #include "image/BaseImage.h"
 #include "spool/Spool.h"
+#include "tests/TemporaryFolder.h"
 #include "tests/image/BmpBuilder.h"
-#include "tests/image/TemporaryFolder.h"
 
 #include <cerrno>
 #include <gtest/gtest.h>

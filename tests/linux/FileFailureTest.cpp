@@ -1,7 +1,7 @@
 #include "platform/File.h"
 
 #include "platform/Error.h"
-#include "tests/image/TemporaryFolder.h"
+#include "tests/TemporaryFolder.h"
 #include "tests/linux/Support.h"
 #include "tests/linux/SystemFaults.h"
 

@@ -1,6 +1,6 @@
+#include "tests/TemporaryFolder.h"
 #include "tests/endtoend/Limits.h"
 #include "tests/endtoend/Resources.h"
-#include "tests/endtoend/TemporaryFolder.h"
 #include "tests/soak/Soak.h"
 
 #include <CLI/CLI.hpp>

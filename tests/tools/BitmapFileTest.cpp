@@ -1,7 +1,7 @@
 #include "tools/BitmapFile.h"
 
+#include "tests/TemporaryFolder.h"
 #include "tests/image/BmpBuilder.h"
-#include "tests/image/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 
 #include "FakeLibrary.h"
 
+#include "tests/TemporaryFolder.h"
 #include "tests/image/BmpBuilder.h"
-#include "tests/image/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include "PictureFiles.h"
 
-#include "tests/image/TemporaryFolder.h"
+#include "tests/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 

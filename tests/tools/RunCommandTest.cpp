@@ -2,8 +2,8 @@
 #include "Program.h"
 #include "Support.h"
 
+#include "tests/TemporaryFolder.h"
 #include "tests/image/BmpBuilder.h"
-#include "tests/image/TemporaryFolder.h"
 
 #include <algorithm>
 #include <filesystem>

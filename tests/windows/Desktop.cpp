@@ -3,7 +3,7 @@
 
 #include "tests/hosts/CallingHost.h"
 
-#include "tests/endtoend/TemporaryFolder.h"
+#include "tests/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ class Desktop : public testing::Environment {
     void TearDown() override { host.reset(); }
 
   private:
-    endtoend::TemporaryFolder folder;
+    TemporaryFolder folder;
     std::optional<CallingHost> host;
 };
 

@@ -28,7 +28,7 @@ class OnWindows : public testing::Test {
     std::string LineLog() const { return folder.Path() / "line.log"; }
     std::string Line() const { return endtoend::ContentsOf(LineLog()); }
 
-    endtoend::TemporaryFolder folder;
+    TemporaryFolder folder;
 };
 
 inline std::string Quoted(const std::string &text) {

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <system_error>
 #include <vector>
 
 // A folder of a test's own, gone with all that is in it at the end.
@@ -13,7 +15,9 @@ class TemporaryFolder {
   public:
     TemporaryFolder() {
         std::string pattern = (std::filesystem::temp_directory_path() / "nadrel-XXXXXX").string();
-        path = mkdtemp(pattern.data());
+        if (mkdtemp(pattern.data()) == nullptr)
+            throw std::system_error(errno, std::generic_category(), pattern);
+        path = pattern;
     }
     ~TemporaryFolder() {
         std::error_code ignored;
@@ -22,9 +26,10 @@ class TemporaryFolder {
     TemporaryFolder(const TemporaryFolder &) = delete;
     TemporaryFolder &operator=(const TemporaryFolder &) = delete;
 
-    std::string Path(const std::string &file) const { return path + "/" + file; }
+    const std::filesystem::path &Path() const { return path; }
+    std::string Path(const std::string &file) const { return path / file; }
     // As hosts give names.
-    std::u16string Name() const { return std::filesystem::path(path).u16string(); }
+    std::u16string Name() const { return path.u16string(); }
     std::u16string Name(const std::string &file) const {
         return std::filesystem::path(Path(file)).u16string();
     }
@@ -40,5 +45,5 @@ class TemporaryFolder {
     bool Has(const std::string &file) const { return std::filesystem::exists(Path(file)); }
 
   private:
-    std::string path;
+    std::filesystem::path path;
 };
