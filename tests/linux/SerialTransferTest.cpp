@@ -1,22 +1,11 @@
-#include "platform/SerialPort.h"
+#include "tests/linux/SerialTransfer.h"
 
-#include "platform/Error.h"
-#include "platform/linux/Endpoint.h"
-#include "tests/linux/PseudoTerminal.h"
-#include "tests/linux/Support.h"
-
-#include <gtest/gtest.h>
-
+#include <atomic>
+#include <fcntl.h>
 #include <numeric>
+#include <thread>
 
 namespace {
-
-using platform::PortEvents;
-using platform::PortHandle;
-using platform::PortTimeouts;
-using Bytes = std::vector<uint8_t>;
-
-constexpr uint32_t kLong = 600'000; // milliseconds: never in a test
 
 Bytes AllValues() {
     Bytes bytes(256);
@@ -33,50 +22,6 @@ Bytes Pattern(size_t count, uint32_t seed) {
     }
     return bytes;
 }
-
-class SerialTransfer : public testing::Test {
-  protected:
-    void SetUp() override {
-        port = platform::OpenPort(line.Name().c_str(), platform::PortAccess::plain);
-        platform::LineSettings settings;
-        settings.baudRate = 115200;
-        settings.binary = true;
-        settings.byteSize = 8;
-        ASSERT_TRUE(platform::SetLineSettings(port, settings));
-        ASSERT_TRUE(platform::SetPortEvents(port, PortEvents::received));
-        SetTimeouts({0, 0, 10'000, 0, 10'000});
-    }
-    void TearDown() override { platform::ClosePort(port); }
-
-    void SetTimeouts(const PortTimeouts &timeouts) { ASSERT_TRUE(platform::SetPortTimeouts(port, timeouts)); }
-
-    bool Write(const Bytes &bytes) {
-        taken = 0;
-        return platform::WritePort(port, bytes.data(), static_cast<uint32_t>(bytes.size()), taken);
-    }
-
-    // What came; `readSucceeded` is the result of the call.
-    Bytes Read(size_t count) {
-        Bytes bytes(count);
-        uint32_t got = 0;
-        readSucceeded = platform::ReadPort(port, bytes.data(), static_cast<uint32_t>(count), got);
-        bytes.resize(got);
-        return bytes;
-    }
-
-    bool WaitEvent() {
-        events = PortEvents::received;
-        return platform::WaitPortEvent(port, events);
-    }
-
-    static int Error() { return static_cast<int>(platform::LastError()); }
-
-    PseudoTerminal line;
-    PortHandle port = platform::kInvalidPort;
-    uint32_t taken = 0;
-    bool readSucceeded = false;
-    PortEvents events = PortEvents::none;
-};
 
 TEST_F(SerialTransfer, EveryByteReachesThePrinterUnchanged) {
     const Bytes all = AllValues();
@@ -381,95 +326,6 @@ TEST_F(SerialTransfer, ClosingWhileOthersReadAndWriteIsSafe) {
     over = true;
     for (std::thread *thread : {&writer, &reader, &printer})
         thread->join();
-}
-
-TEST_F(SerialTransfer, APortThatVanishesWhileIdleFailsEveryCallAtOnce) {
-    line.HangUp();
-    const Stopwatch watch;
-    EXPECT_FALSE(Write(Bytes(100)));
-    EXPECT_EQ(Error(), EIO);
-    EXPECT_EQ(taken, 0U);
-    EXPECT_EQ(Read(1), Bytes());
-    EXPECT_FALSE(readSucceeded);
-    EXPECT_EQ(Error(), EIO);
-    EXPECT_LT(watch.Elapsed(), 5'000);
-    EXPECT_TRUE(platform::ClosePort(port));
-}
-
-TEST_F(SerialTransfer, APortThatVanishesWhileWritingIsAnErrorAtOnceAndNoSignal) {
-    SetTimeouts({0, 0, 0, 0, kLong});
-    std::thread printer([&] {
-        EXPECT_EQ(line.Read(1'000).size(), 1'000U);
-        line.HangUp();
-    });
-    EXPECT_FALSE(Write(Bytes(500'000)));
-    EXPECT_EQ(Error(), EIO);
-    EXPECT_GE(taken, 1'000U);
-    printer.join();
-}
-
-TEST_F(SerialTransfer, APortThatVanishesReleasesAReadAndAWait) {
-    SetTimeouts({0, 0, kLong, 0, 0});
-    std::thread printer([&, waiting = gettid()] {
-        EXPECT_TRUE(AwaitBlocked(waiting));
-        line.HangUp();
-    });
-    EXPECT_EQ(Read(1), Bytes());
-    EXPECT_FALSE(readSucceeded);
-    EXPECT_EQ(Error(), EIO);
-    EXPECT_FALSE(WaitEvent());
-    EXPECT_EQ(events, PortEvents::none);
-    EXPECT_EQ(Error(), EIO);
-    printer.join();
-}
-
-// Asks again and again for half a second, as the receive thread does.
-void ExpectNoSpinning(PortHandle port) {
-    const double before = ThreadCpuTime();
-    const Stopwatch watch;
-    int calls = 0;
-    for (; watch.Elapsed() < 500; ++calls) {
-        PortEvents happened = PortEvents::received;
-        EXPECT_FALSE(platform::WaitPortEvent(port, happened));
-        EXPECT_EQ(happened, PortEvents::none);
-    }
-    EXPECT_LE(calls, 11) << "fifty milliseconds each";
-    EXPECT_LT(ThreadCpuTime() - before, 100);
-}
-
-TEST_F(SerialTransfer, APortThatHasVanishedMakesNoThreadSpin) {
-    line.HangUp();
-    ExpectNoSpinning(port);
-}
-
-TEST_F(SerialTransfer, AHandleThatIsNotOpenMakesNoThreadSpin) {
-    ExpectNoSpinning(platform::kInvalidPort);
-}
-
-TEST_F(SerialTransfer, APortThatVanishesReleasesAReadAndAWriteAtTheSameTime) {
-    SetTimeouts({0, 0, kLong, 0, kLong});
-    std::thread writer([&] { EXPECT_FALSE(Write(Bytes(500'000))); });
-    std::thread printer([&] {
-        EXPECT_EQ(line.Read(1'000).size(), 1'000U);
-        line.HangUp();
-    });
-    EXPECT_EQ(Read(1), Bytes());
-    EXPECT_FALSE(readSucceeded);
-    writer.join();
-    printer.join();
-}
-
-TEST_F(SerialTransfer, ThePauseOfAVanishedPortIsCutShortByReleasing) {
-    line.HangUp();
-    const Stopwatch watch;
-    std::thread host([&] {
-        for (int i = 0; i < 100; ++i)
-            platform::SetPortEvents(port, PortEvents::none);
-    });
-    host.join();
-    EXPECT_TRUE(WaitEvent());
-    EXPECT_EQ(events, PortEvents::none);
-    EXPECT_LT(watch.Elapsed(), 5'000);
 }
 
 } // namespace
