@@ -125,7 +125,7 @@ TEST(Memory, AskingByPipeLeavesNoDescriptorAndSaysWhenItCannotAsk) {
     const auto before = OpenDescriptors();
     for (int i = 0; i < 1000; ++i)
         ASSERT_EQ(platform::ProbeByPipe(address, 1), Probe::readable);
-    EXPECT_EQ(OpenDescriptors(), before);
+    EXPECT_TRUE(NoDescriptorIsLost(before));
     const NoDescriptorsLeft none;
     EXPECT_EQ(platform::ProbeByPipe(address, 1), Probe::refused);
 }

@@ -40,7 +40,7 @@ LineSettings At115200() {
 class SerialOpenFailure : public testing::Test {
   protected:
     void TearDown() override {
-        EXPECT_EQ(OpenDescriptors(), descriptors);
+        EXPECT_TRUE(NoDescriptorIsLost(descriptors));
         const PortHandle port = Open();
         ASSERT_NE(port, kInvalidPort);
         EXPECT_TRUE(platform::SetLineSettings(port, At115200()));
@@ -108,7 +108,7 @@ TEST_F(SerialOpenFailure, ADeviceWithModemLinesIsClosedOnReturnWhereItsDriverDoe
     const SystemFault device({.call = SystemCall::ioctl, .answer = 0, .only = TIOCMGET});
     EXPECT_TRUE(platform::ClosePort(port));
     EXPECT_EQ(device.Met(), 1);
-    EXPECT_EQ(OpenDescriptors(), descriptors);
+    EXPECT_LE(OpenDescriptors(), descriptors);
     EXPECT_TRUE(Await([&] { return RunningThreads() <= threads; }));
 }
 

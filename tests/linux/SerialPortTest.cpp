@@ -99,7 +99,7 @@ TEST(SerialPort, WithoutDescriptorsNothingIsOpened) {
         ExpectRefused(line.Name(), EMFILE);
         setrlimit(RLIMIT_NOFILE, &limit);
     }
-    EXPECT_EQ(OpenDescriptors(), before);
+    EXPECT_TRUE(NoDescriptorIsLost(before));
 }
 
 TEST(SerialPort, IsNotInheritedByProgramsThatTheHostStarts) {
@@ -362,7 +362,7 @@ TEST(SerialPort, AThousandTimesOpenAndClosedLeavesNothing) {
         ASSERT_NE(port, kInvalidPort);
         ASSERT_TRUE(platform::ClosePort(port));
     }
-    EXPECT_EQ(OpenDescriptors(), descriptors);
+    EXPECT_TRUE(NoDescriptorIsLost(descriptors));
     EXPECT_TRUE(Await([&] { return RunningThreads() <= threads; })) << RunningThreads() << " of " << threads;
 }
 

@@ -93,6 +93,12 @@ inline std::ptrdiff_t OpenDescriptors() {
     return CountEntries("/proc/self/fd");
 }
 
+// Whether no more are open than before. One that a busy machine closes late, of this test or the one before it, is
+// waited for.
+inline bool NoDescriptorIsLost(std::ptrdiff_t before) {
+    return Await([&] { return OpenDescriptors() <= before; });
+}
+
 // The system lists a thread for a moment after it has been joined; its flags then say that it is leaving.
 inline bool IsLeaving(const std::filesystem::path &task) {
     constexpr unsigned exiting = 4; // PF_EXITING
