@@ -42,6 +42,8 @@ class EndToEnd : public testing::Test {
     std::ptrdiff_t keptOpen = 0; // descriptors that the library keeps because its interface says so
 
   private:
+    bool HasLeftNothing(const Resources &used) const;
+
     Resources atStart;
     std::optional<VirtualPrinter> printer;
 };

@@ -74,6 +74,11 @@ static int Outlive(void) {
     return 0;
 }
 
+static long long MicrosecondsUsed(const struct rusage *used) {
+    return (used->ru_utime.tv_sec + used->ru_stime.tv_sec) * 1000000LL + used->ru_utime.tv_usec +
+           used->ru_stime.tv_usec;
+}
+
 /* Says how much processor time, in microseconds, two seconds of an open link cost. */
 static int Measure(void) {
     char line[16];
@@ -84,10 +89,7 @@ static int Measure(void) {
     getrusage(RUSAGE_SELF, &from);
     Pause(2000);
     getrusage(RUSAGE_SELF, &to);
-    const long seconds =
-        to.ru_utime.tv_sec - from.ru_utime.tv_sec + to.ru_stime.tv_sec - from.ru_stime.tv_sec;
-    printf("%ld\n", seconds * 1000000 + to.ru_utime.tv_usec - from.ru_utime.tv_usec + to.ru_stime.tv_usec -
-                        from.ru_stime.tv_usec);
+    printf("%lld\n", MicrosecondsUsed(&to) - MicrosecondsUsed(&from));
     Require(ClosePrinter() == 1, 41);
     return 0;
 }

@@ -62,9 +62,8 @@ TEST(PrinterRendererRaster, FeedsAShortBandByItsLines) {
 }
 
 TEST(PrinterRendererRaster, PrintsBandsAtAPosition) {
-    const std::string band = std::string(24, '\xFF');
-    ExpectBlackExactly(PictureOf("\x1B\x4F\x32\x00\x00\x00\x1B\x58\x34\x01\x18"s + band + "\x0A"),
-                       {{50, 0, 8, 24}});
+    const std::string band = "\x1B\x58\x34\x01\x18" + std::string(24, '\xFF');
+    ExpectBlackExactly(PictureOf("\x1B\x4F\x32\x00\x00\x00"s + band + "\x0A"), {{50, 0, 8, 24}});
 }
 
 TEST(PrinterRendererRaster, PrintsACompressedBandLikeThePlainOne) {
