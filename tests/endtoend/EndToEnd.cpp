@@ -1,5 +1,7 @@
 #include "tests/endtoend/EndToEnd.h"
 
+#include "tests/endtoend/Limits.h"
+
 namespace endtoend {
 namespace {
 
@@ -28,13 +30,18 @@ EndToEnd::~EndToEnd() {
                   << TailOf(printer->Listing()) << "and said:\n"
                   << printer->Complaints();
     printer.reset();
-    EXPECT_TRUE(Eventually([this] { return HasLeftNothing(UsedNow()); }))
+    const Resources expected{atStart.threads, atStart.descriptors + keptOpen};
+    EXPECT_TRUE(Eventually([&] { return UsesOnly(expected); }))
         << "left: " << UsedNow() << "; at the start: " << atStart;
 }
 
-// A thread that was joined may have counted at the start: emulated, it goes a little later.
-bool EndToEnd::HasLeftNothing(const Resources &used) const {
-    return used.threads <= atStart.threads && used.descriptors == atStart.descriptors + keptOpen;
+bool EndToEnd::UsesOnly(const Resources &expected) {
+    if (!kEmulated)
+        return UsedNow() == expected;
+    return Eventually([&] {
+        const Resources used = UsedNow();
+        return used.threads <= expected.threads && used.descriptors == expected.descriptors;
+    });
 }
 
 VirtualPrinter &EndToEnd::StartPrinter(std::vector<std::string> options) {

@@ -17,6 +17,12 @@ inline constexpr int kSlowdown = 1;
 
 inline constexpr bool kSanitized = kSlowdown > 1;
 
+#if defined(NADREL_EMULATED)
+inline constexpr bool kEmulated = true;
+#else
+inline constexpr bool kEmulated = false;
+#endif
+
 // The longest that a close takes, whatever the link does, in milliseconds.
 inline constexpr double kLongestClose = 200 * kSlowdown;
 

@@ -74,6 +74,9 @@ Process::Process(const std::string &program, const std::vector<std::string> &arg
     Require(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) == 0, "socketpair");
     input = tool::Descriptor(ends[0]);
     const tool::Descriptor theirs(ends[1]);
+    // Emulated, the program may be under way before it has emptied these files: nobody reads an earlier one's.
+    std::filesystem::remove(log.string() + ".out");
+    std::filesystem::remove(log.string() + ".err");
     SpawnSettings settings;
     settings.Redirect(theirs.Get(), STDIN_FILENO);
     settings.Redirect(log.string() + ".out", STDOUT_FILENO);
