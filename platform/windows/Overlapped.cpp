@@ -33,7 +33,7 @@ Overlapped::~Overlapped() {
 }
 
 bool Overlapped::Begin() {
-    if (operation == nullptr)
+    if (operation == nullptr || !HasEnded())
         operation = new (std::nothrow) Operation;
     if (operation == nullptr)
         return false;
@@ -46,8 +46,10 @@ bool Overlapped::Begin() {
 
 bool Overlapped::Finish(HANDLE handle, bool begun, DWORD &count) {
     count = 0;
-    if (!begun)
+    if (!begun) {
+        operation->system.Internal = 0; // the system may have left it pending
         return false;
+    }
     if (!WaitFor(operation->system.hEvent, INFINITE)) {
         CancelIoEx(handle, &operation->system);
         if (WaitForSingleObject(operation->system.hEvent, kTimeToCancel) != WAIT_OBJECT_0)

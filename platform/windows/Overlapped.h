@@ -15,7 +15,8 @@ class Overlapped {
     Overlapped(const Overlapped &) = delete;
     Overlapped &operator=(const Overlapped &) = delete;
 
-    // Makes it ready for an operation, which it is handed to. False when there is no event or memory to be had.
+    // Makes it ready for an operation, which it is handed to; one that is still going on keeps what it has. False
+    // when there is no event or memory to be had.
     bool Begin();
     OVERLAPPED *Get() { return &operation->system; }
 

@@ -1,6 +1,7 @@
 #include "tests/windows/OnWindows.h"
 
 #include <map>
+#include <memory>
 
 namespace hosts {
 namespace {
@@ -47,6 +48,24 @@ TEST_F(Loading, LeavesNoHandleBehindWhenItIsUnloaded) {
         EXPECT_EQ(host.Ask("load NADRELPRINTER.dll"), "loaded");
     }
     EXPECT_EQ(open.back(), open[1]);
+}
+
+// What a port that is gone refuses at once is over: nothing is kept for it.
+TEST_F(Loading, LeavesNoHandleBehindOfWhatFailedAtOnce) {
+    std::vector<std::string> open;
+    for (const bool isGone : {false, true}) {
+        auto peer = std::make_unique<RawPeer>(Medium::serial);
+        CallingHost host = StartHost();
+        host.Connect("InitPrinter(" + Quoted(PortName(peer->SerialPath())) + ", 9600, 0)");
+        if (isGone)
+            peer.reset();
+        host.Ask("PrintData()");
+        host.Ask("PrintSpool(1)");
+        EXPECT_EQ(host.Call("ClosePrinter()"), 1);
+        EXPECT_EQ(host.Ask("unload"), "unloaded");
+        open.push_back(host.Ask("open handles"));
+    }
+    EXPECT_EQ(open[1], open[0]);
 }
 
 TEST_F(Loading, KeepsItsCodeWhileItsThreadsRun) {
