@@ -92,22 +92,30 @@ SocketHandle Replace(SocketHandle handle, int family) {
 // How long a close may wait for the peer to have taken what was sent, in milliseconds.
 constexpr DWORD kLastMoments = 100;
 
-bool HasSomething(SOCKET socket, DWORD milliseconds) {
+// As select: 1 when a receive has something to take, 0 when the time is over.
+int AwaitBytes(SOCKET socket, DWORD milliseconds) {
     fd_set sockets = {1, {socket}};
     TIMEVAL time = {0, static_cast<long>(milliseconds * 1000)};
-    return select(0, &sockets, nullptr, nullptr, &time) == 1;
+    return select(0, &sockets, nullptr, nullptr, &time);
+}
+
+// False when the connection is over.
+bool DropBytes(SOCKET socket, DWORD milliseconds) {
+    char dropped[4096];
+    const int ready = AwaitBytes(socket, milliseconds);
+    return ready == 0 || (ready == 1 && recv(socket, dropped, sizeof dropped, 0) > 0);
 }
 
 // Says that nothing more will be sent, and takes what the peer says until it ends the connection, too: the
 // system answers what comes after a close with a reset, which makes the peer lose the end of what was sent.
+// Nothing is to be done for a socket that is not connected.
 void LetArrive(SOCKET socket) {
-    shutdown(socket, SD_SEND);
+    if (shutdown(socket, SD_SEND) != 0)
+        return;
     const ULONGLONG end = GetTickCount64() + kLastMoments;
-    char dropped[4096];
-    for (ULONGLONG now = GetTickCount64(); now < end; now = GetTickCount64())
-        if (HasSomething(socket, static_cast<DWORD>(end - now)) &&
-            recv(socket, dropped, sizeof dropped, 0) <= 0)
-            return;
+    ULONGLONG now = GetTickCount64();
+    while (now < end && DropBytes(socket, static_cast<DWORD>(end - now)))
+        now = GetTickCount64();
 }
 
 } // namespace

@@ -59,6 +59,20 @@ TEST_F(WirelessLink, ConnectsToAnIpv6Address) {
     EXPECT_EQ(host.Call("ClosePrinter()"), 1);
 }
 
+// The socket that was made for the other family goes at once.
+TEST_F(WirelessLink, ToAnIpv6AddressDoesNotWaitForASocketThatWasNeverConnected) {
+    if (ContentsOf("/proc/net/if_inet6").empty())
+        GTEST_SKIP() << "this system has no IPv6";
+    VirtualPrinter printer = StartPrinter({"--bind", "::1"});
+    CallingHost host = StartHost();
+    const Stopwatch watch;
+    for (int i = 0; i < 40; ++i) {
+        host.Connect("InitWlanPrinter(\"::1\", " + std::to_string(printer.TcpPort()) + ", 10000, 0)");
+        EXPECT_EQ(host.Call("ClosePrinter()"), 1);
+    }
+    EXPECT_LT(watch.Elapsed(), 40 * 100);
+}
+
 TEST_F(WirelessLink, ToAnAddressThatIsNoneIsRefused) {
     CallingHost host = StartHost();
     EXPECT_EQ(host.Call("InitWlanPrinter(\"\", 9100, 0, 0)"), -2);
