@@ -32,6 +32,14 @@ bool IsOnADrive(const std::wstring &name) {
     return name.size() >= 3 && std::iswalpha(name[0]) && name[1] == L':' && name[2] == L'\\';
 }
 
+// Volume{GUID}\..., how the system names what is on a drive without a letter.
+bool IsOnAVolume(const std::wstring &name) {
+    const std::wstring mark = L"Volume{";
+    const size_t end = mark.size() + 36;
+    return name.size() >= end + 2 && _wcsnicmp(name.c_str(), mark.c_str(), mark.size()) == 0 &&
+           name.compare(end, 2, L"}\\") == 0;
+}
+
 // \\machine\share\...; the machine . or ? is the list of this one's devices.
 bool IsOnAShare(const std::wstring &name) {
     const size_t behindMachine = name.starts_with(L"\\\\") ? name.find(L'\\', 2) : std::wstring::npos;
@@ -50,7 +58,7 @@ bool NamesAFile(const char16_t *name) {
     if (name == nullptr)
         return false;
     const std::wstring full = WithoutMark(FullName(Wide(name)));
-    return IsOnADrive(full) || IsOnAShare(full);
+    return IsOnADrive(full) || IsOnAVolume(full) || IsOnAShare(full);
 }
 
 } // namespace platform

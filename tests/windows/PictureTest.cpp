@@ -47,13 +47,15 @@ Bytes Noise(const Shape &shape) {
     return file;
 }
 
+void WriteNoise(const std::string &name, const Shape &shape) {
+    const Bytes bytes = Noise(shape);
+    std::ofstream(name, std::ios::binary)
+        .write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+}
+
 class Picture : public OnWindows, public testing::WithParamInterface<Shape> {
   protected:
-    Picture() : windowsPeer(Medium::tcp), ownPeer(Medium::tcp) {
-        const Bytes bytes = Noise(GetParam());
-        std::ofstream(File(), std::ios::binary)
-            .write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    }
+    Picture() : windowsPeer(Medium::tcp), ownPeer(Medium::tcp) { WriteNoise(File(), GetParam()); }
     ~Picture() override { ClosePrinter(); }
 
     std::string File() const { return folder.Path() / "noise.bmp"; }
@@ -90,6 +92,34 @@ INSTANTIATE_TEST_SUITE_P(, Picture,
                          testing::Values(Shape{8, 1, 1}, Shape{383, 49, 1}, Shape{1, 1, 24},
                                          Shape{384, 100, 24}, Shape{101, 24, 24}),
                          testing::PrintToStringParamName());
+
+// A drive without a letter, which has the folder's files.
+class Volume {
+  public:
+    explicit Volume(const std::filesystem::path &folder) {
+        std::filesystem::remove(link);
+        std::filesystem::create_symlink(folder, link);
+    }
+    ~Volume() { std::filesystem::remove(link); }
+
+    std::string Name() const { return R"(\\?\Volume{01234567-89AB-cdef-0123-456789abcdef})"; }
+
+  private:
+    const std::filesystem::path link =
+        WindowsFolder() / "wine/prefix/dosdevices/volume{01234567-89ab-cdef-0123-456789abcdef}";
+};
+
+class PictureOnAVolume : public OnWindows {};
+
+TEST_F(PictureOnAVolume, IsAFileButTheVolumeItselfIsNot) {
+    RawPeer peer(Medium::tcp);
+    const Volume volume(folder.Path());
+    WriteNoise(folder.Path() / "noise.bmp", {8, 1, 1});
+    CallingHost host = StartHost();
+    host.Connect(Wlan(peer.TcpPort()));
+    EXPECT_GT(host.Call("BmpSaveSpool(" + Quoted(volume.Name() + R"(\noise.bmp)") + ", 3, 4)"), 0);
+    EXPECT_EQ(host.Call("BmpSaveSpool(" + Quoted(volume.Name()) + ", 3, 4)"), -1);
+}
 
 // A pipe that a thread wants to write into, which waits until somebody opens it to read.
 class WatchedPipe {
