@@ -41,7 +41,7 @@ if(TARGET nadrel)
         INSTALL_RPATH $ORIGIN/${nadrel_prefix_from_programs}/${CMAKE_INSTALL_LIBDIR})
     install(TARGETS nadrel RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
     install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/nadrel-tools/examples COMPONENT tools
-        FILES_MATCHING PATTERN "*.job" PATTERN "*.bmp" PATTERN hosts EXCLUDE)
+        FILES_MATCHING PATTERN "*.job" PATTERN "*.bmp" PATTERN hosts EXCLUDE PATTERN windows EXCLUDE)
 endif()
 if(TARGET nadrel-printer)
     install(TARGETS nadrel-printer RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)

@@ -32,7 +32,7 @@ class ExampleHost : public testing::TestWithParam<Medium> {
 
 TEST_P(ExampleHost, PrintsALineAndShowsTheStatus) {
     const bool isSerial = GetParam() == Medium::serial;
-    const std::vector<std::string> serial{PortName(printer.SerialPath())};
+    const std::vector<std::string> serial{PortName(printer.SerialPath(), "COM12")};
     const std::vector<std::string> tcp{"127.0.0.1", std::to_string(printer.TcpPort())};
     EXPECT_EQ(Run(isSerial ? serial : tcp), 0);
     EXPECT_THAT(output, testing::MatchesRegex("reply S: [0-9A-F][0-9A-F]\r?\n"));

@@ -1,9 +1,8 @@
 /*
- * A host on Windows: prints a line, asks the printer for its status and shows the answer, which comes to the window as
- * a message.
+ * Prints a line on Windows, asks the printer for its status and shows the answer, which comes to a window as a message.
  *
- * usage: host PORT          a serial port: COM3
- *        host ADDRESS PORT  a printer on the network: 192.0.2.7 9100
+ *     status COM3              at 115200 baud
+ *     status 192.0.2.7 9100
  */
 #define WIN32_LEAN_AND_MEAN 1 /* windows.h without its own ClosePrinter */
 
@@ -11,7 +10,6 @@
 
 #include <stdio.h>
 #include <stdlib.h>
-#include <wchar.h>
 #include <windows.h>
 
 #define PATIENCE 10000 /* milliseconds */
@@ -43,16 +41,26 @@ static HWND MakeWindow(void) {
     WNDCLASSW kind = {0};
     kind.lpfnWndProc = Handle;
     kind.hInstance = GetModuleHandleW(NULL);
-    kind.lpszClassName = L"NadrelHost";
+    kind.lpszClassName = L"NadrelStatus";
     RegisterClassW(&kind);
-    return CreateWindowExW(0, kind.lpszClassName, L"Host", WS_OVERLAPPEDWINDOW, 0, 0, 200, 100, NULL, NULL,
+    return CreateWindowExW(0, kind.lpszClassName, L"Status", WS_OVERLAPPEDWINDOW, 0, 0, 200, 100, NULL, NULL,
                            kind.hInstance, NULL);
 }
 
-static int32_t Connect(int count, wchar_t **words) {
+/* Addresses in the library's UTF-16; those of this example are ASCII. */
+static const wchar_t *Wide(const char *address) {
+    static wchar_t wide[256];
+    size_t length = 0;
+    for (; address[length] != 0 && length < 255; ++length)
+        wide[length] = (unsigned char)address[length];
+    wide[length] = 0;
+    return wide;
+}
+
+static int32_t Connect(int count, char **words) {
     if (count == 2)
-        return ConnectSerialPrinter(words[1], 115200, 2000, 0);
-    return ConnectWirelessPrinter(words[1], (uint32_t)wcstoul(words[2], NULL, 10), 5000, 0);
+        return ConnectSerialPrinterEx(words[1], 115200, 8, 0, 0, 2000, 0);
+    return ConnectWirelessPrinter(Wide(words[1]), (uint32_t)strtoul(words[2], NULL, 10), 5000, 0);
 }
 
 static void Print(void) {
@@ -70,16 +78,20 @@ static int AwaitReply(HWND window) {
     return (int)message.wParam;
 }
 
-int wmain(int count, wchar_t **words) {
+int main(int count, char **words) {
     if (count != 2 && count != 3) {
-        fprintf(stderr, "usage: host PORT | host ADDRESS PORT\n");
+        fprintf(stderr, "usage: %s PORT | ADDRESS PORT\n", words[0]);
         return 2;
     }
     printerSays = RegisterWindowMessageW(L"NADREL_PRT_OK");
     const HWND window = MakeWindow();
+    if (window == NULL) {
+        fprintf(stderr, "status: no window for the answer: error %lu\n", GetLastError());
+        return 1;
+    }
     const int32_t connected = Connect(count, words);
     if (connected != NADREL_SUCCESS) {
-        fprintf(stderr, "host: the connection failed with %d\n", (int)connected);
+        fprintf(stderr, "%s: no connection: result %d\n", words[1], (int)connected);
         return 1;
     }
     Print();

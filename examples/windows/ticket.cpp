@@ -6,7 +6,7 @@
 
 #include <NadrelPrinter.h>
 
-#include <cwchar>
+#include <cstdlib>
 #include <iostream>
 #include <stdexcept>
 #include <string>
@@ -16,31 +16,38 @@ namespace {
 
 constexpr UINT kPatience = 10000; // milliseconds
 
+std::wstring Wide(const std::string &ascii) {
+    return {ascii.begin(), ascii.end()};
+}
+
 // The one link that the library has, closed with its owner.
 class Link {
   public:
-    explicit Link(const wchar_t *port) { Require(ConnectSerialPrinter(port, 115200, 2000, 0)); }
-    Link(const wchar_t *address, const wchar_t *port) {
-        const auto number = static_cast<uint32_t>(std::wcstoul(port, nullptr, 10));
-        Require(ConnectWirelessPrinter(address, number, 5000, 0));
+    explicit Link(const std::string &port) {
+        Require(ConnectSerialPrinterEx(port.c_str(), 115200, 8, 0, 0, 2000, 0), port);
+    }
+    Link(const std::string &address, const std::string &port) {
+        const auto number = static_cast<uint32_t>(std::strtoul(port.c_str(), nullptr, 10));
+        Require(ConnectWirelessPrinter(Wide(address).c_str(), number, 5000, 0), address);
     }
     Link(const Link &) = delete;
     Link &operator=(const Link &) = delete;
     ~Link() { ClosePrinter(); }
 
   private:
-    static void Require(int32_t result) {
+    static void Require(int32_t result, const std::string &where) {
         if (result != NADREL_SUCCESS)
-            throw std::runtime_error("no connection: result " + std::to_string(result));
+            throw std::runtime_error(where + ": no connection: result " + std::to_string(result));
     }
 };
 
 // The printer's answer comes as a message to every top-level window; this one is not shown.
 class Answer {
   public:
-    Answer()
-        : window_(
-              CreateWindowExW(0, L"STATIC", L"Ticket", 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr)) {}
+    Answer() {
+        if (window_ == nullptr)
+            throw std::runtime_error("no window for the answer: error " + std::to_string(GetLastError()));
+    }
     Answer(const Answer &) = delete;
     Answer &operator=(const Answer &) = delete;
     ~Answer() { DestroyWindow(window_); }
@@ -63,7 +70,8 @@ class Answer {
     }
 
     const UINT number_ = RegisterWindowMessageW(L"NADREL_PRT_OK");
-    const HWND window_;
+    const HWND window_ =
+        CreateWindowExW(0, L"STATIC", L"Ticket", 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
 };
 
 void ComposeTicket() {
@@ -88,9 +96,11 @@ void PrintTicket(Answer &answer) {
 
 } // namespace
 
-int wmain(int count, wchar_t **words) try {
-    if (count != 2 && count != 3)
-        throw std::runtime_error("usage: ticket PORT | ADDRESS PORT");
+int main(int count, char **words) try {
+    if (count != 2 && count != 3) {
+        std::cerr << "usage: " << words[0] << " PORT | ADDRESS PORT\n";
+        return 2;
+    }
     Answer answer;
     if (count == 2) {
         const Link link(words[1]);
