@@ -86,7 +86,7 @@ int main(int count, char **words) {
     printerSays = RegisterWindowMessageW(L"NADREL_PRT_OK");
     const HWND window = MakeWindow();
     if (window == NULL) {
-        fprintf(stderr, "status: no window for the answer: error %lu\n", GetLastError());
+        fprintf(stderr, "%s: the window for the printer's answer could not be made\n", words[0]);
         return 1;
     }
     const int32_t connected = Connect(count, words);

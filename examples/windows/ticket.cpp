@@ -46,7 +46,7 @@ class Answer {
   public:
     Answer() {
         if (window_ == nullptr)
-            throw std::runtime_error("no window for the answer: error " + std::to_string(GetLastError()));
+            throw std::runtime_error("the window for the printer's answer could not be made");
     }
     Answer(const Answer &) = delete;
     Answer &operator=(const Answer &) = delete;
