@@ -7,6 +7,7 @@
 #include "tests/linux/SystemFaults.h"
 #include "tests/platform/ScriptedAllocation.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 
 #include <asm/termbits.h>
@@ -108,7 +109,7 @@ TEST_F(SerialOpenFailure, ADeviceWithModemLinesIsClosedOnReturnWhereItsDriverDoe
     const SystemFault device({.call = SystemCall::ioctl, .answer = 0, .only = TIOCMGET});
     EXPECT_TRUE(platform::ClosePort(port));
     EXPECT_EQ(device.Met(), 1);
-    EXPECT_LE(OpenDescriptors(), descriptors);
+    EXPECT_EQ(fcntl(static_cast<int>(port), F_GETFD), -1);
     EXPECT_TRUE(Await([&] { return RunningThreads() <= threads; }));
 }
 
