@@ -18,7 +18,7 @@ NOT_RUN = {
     "./dev package": STEP,
     "./dev package linux-armhf": STEP,
     "./dev package windows": STEP,
-    "./dev sizes": "builds for five machines; on each Library.HasTheSizeInTheTable runs its script",
+    "./dev sizes": "builds for five machines; the tests named HasTheSizeInTheTable run its script on each",
     "./dev test": STEP,
     "./dev windows": STEP,
     "cmake --build --preset release": "is what ./dev build runs",
